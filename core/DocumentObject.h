@@ -1,0 +1,60 @@
+// The part common to everything a document holds (bodies, sketches, features,
+// planes...): identity, label, owning component, visibility and looks.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cad {
+
+class Document;
+
+class DocumentObject {
+public:
+    DocumentObject() = default;
+    DocumentObject(const DocumentObject&) = default;
+    DocumentObject& operator=(const DocumentObject&) = default;
+    virtual ~DocumentObject();
+
+    // The type word: what the project file writes as "type" and what IDs are made from.
+    virtual std::string_view typeName() const = 0;
+    // IDs of the objects whose results this object uses.
+    virtual std::vector<std::string> dependencies() const { return {}; }
+    // Recomputes the object from its inputs; true when its result changed.
+    virtual bool recompute(const Document&) { return false; }
+
+    // The label when there is one, else the ID.
+    const std::string& displayName() const { return label.empty() ? id : label; }
+
+    std::uint64_t serial = 0; // 0 = not yet in a document
+    std::string id;
+    std::string label;
+    std::string component; // owning component's ID; empty at top level
+    bool visible = true;
+    std::string material;
+    std::string appearance;
+    std::map<std::string, std::string> faceAppearances; // face reference -> appearance key
+};
+
+// A history step that changes one body. Features are computed by their body,
+// never by themselves, so they keep the default dependencies and recompute.
+class FeatureObject : public DocumentObject {
+public:
+    // IDs of objects outside the feature's own body that it uses.
+    virtual std::vector<std::string> references() const = 0;
+    // False for a feature that moves with another history step instead of standing
+    // in the timeline on its own (a body pattern bound to a pattern set).
+    virtual bool standsAlone() const { return true; }
+
+    bool suppressed = false;
+    std::string error; // why the last rebuild failed; empty when it computed
+
+private:
+    std::vector<std::string> dependencies() const final { return {}; }
+    bool recompute(const Document&) final { return false; }
+};
+
+} // namespace cad
