@@ -191,4 +191,29 @@ Result<std::string> ArgReader::choice(std::string_view arg, const std::vector<st
     return value ? readChoice(arg, *value, choices) : Result<std::string>(std::move(fallback));
 }
 
+Result<void> checkArguments(const CommandRecord& record, const std::vector<ArgSpec>& specs) {
+    ArgReader args(record);
+    if (Result<void> ok = args.allowDeclared(specs); !ok) return ok;
+    for (const ArgSpec& spec : specs) {
+        if (!spec.required || args.has(spec.name)) continue;
+        if (!spec.refersTo.empty()) return Error(args.object(spec.name));
+        switch (spec.type) {
+        case ArgType::Length:
+            return Error(args.length(spec.name));
+        case ArgType::Number:
+        case ArgType::Integer:
+            return Error(args.number(spec.name));
+        case ArgType::Angle:
+            return Error(args.angle(spec.name));
+        case ArgType::Boolean:
+            return Error(args.boolean(spec.name));
+        case ArgType::String:
+        case ArgType::SketchReference:
+        case ArgType::Text:
+            return Error(args.string(spec.name));
+        }
+    }
+    return {};
+}
+
 } // namespace cad

@@ -57,4 +57,8 @@ private:
     const CommandRecord& record_;
 };
 
+// Refuses unknown argument names and missing required arguments, with the sentence
+// the matching reader would give.
+Result<void> checkArguments(const CommandRecord& record, const std::vector<ArgSpec>& specs);
+
 } // namespace cad

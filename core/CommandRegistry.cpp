@@ -1,6 +1,7 @@
 // The command registry: lookup by exact name, name-to-ID rewriting, creation.
 #include "core/CommandRegistry.h"
 
+#include "core/ArgReader.h"
 #include "core/Document.h"
 #include "core/GeometryObject.h"
 
@@ -12,6 +13,16 @@ void CommandRegistry::add(std::string name, std::string description, std::vector
                           CommandFactory factory) {
     entries_.push_back(
         {std::move(name), std::move(description), std::move(factory), std::move(arguments)});
+}
+
+void CommandRegistry::addChecked(std::string name, std::string description,
+                                 std::vector<ArgSpec> arguments, CommandFactory factory) {
+    auto checked = [arguments, factory = std::move(factory)](
+                       const CommandRecord& record) -> Result<std::unique_ptr<Command>> {
+        if (Result<void> ok = checkArguments(record, arguments); !ok) return Error(ok);
+        return factory(record);
+    };
+    add(std::move(name), std::move(description), std::move(arguments), std::move(checked));
 }
 
 const CommandRegistry::Entry* CommandRegistry::find(std::string_view name) const {

@@ -40,6 +40,13 @@ struct ArgSpec {
 
 using CommandFactory = std::function<Result<std::unique_ptr<Command>>(const CommandRecord&)>;
 
+// A factory that makes command class C from the record as given.
+template <typename C> CommandFactory makeCommand() {
+    return [](const CommandRecord& record) -> Result<std::unique_ptr<Command>> {
+        return std::unique_ptr<Command>(std::make_unique<C>(record));
+    };
+}
+
 class CommandRegistry {
 public:
     struct Entry {
@@ -51,6 +58,10 @@ public:
 
     void add(std::string name, std::string description, std::vector<ArgSpec> arguments,
              CommandFactory factory);
+    // As add, with a factory that first refuses unknown argument names and missing
+    // required arguments with the standard sentences.
+    void addChecked(std::string name, std::string description, std::vector<ArgSpec> arguments,
+                    CommandFactory factory);
     const Entry* find(std::string_view name) const;
     const std::vector<Entry>& entries() const { return entries_; }
 

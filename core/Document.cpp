@@ -232,6 +232,8 @@ void Document::replaceWith(Document&& other) {
     while (!objects_.empty()) take(objects_.back()->serial);
     nextSerial_ = 1;
     rollback_.clear();
+    bodyCache_.clear();
+    shapeCache_.clear();
 
     idCounters_ = other.idCounters_;
     parameters_ = std::move(other.parameters_);

@@ -4,6 +4,7 @@
 
 #include "core/DocumentObject.h"
 #include "core/DocumentObserver.h"
+#include "core/NamedShape.h"
 #include "core/Parameter.h"
 #include "core/units/Length.h"
 #include "core/units/NameLookup.h"
@@ -82,7 +83,9 @@ public:
     const std::string& activeComponent() const { return activeComponent_; }
     void setActiveComponent(std::string id);
     const std::string& rollback() const { return rollback_; }
-    void setRollback(std::string id) { rollback_ = std::move(id); }
+    // A non-empty ID that names no object counts as empty. With `recompute`, a
+    // change rebuilds everything and tells the observers about every object.
+    void setRollback(std::string id, bool recompute = false);
 
     const std::map<std::string, int>& idCounters() const { return idCounters_; }
     void setIdCounters(std::map<std::string, int> counters) { idCounters_ = std::move(counters); }
@@ -95,6 +98,23 @@ public:
     // Evaluates a parameter by name for the expression language, refusing cycles.
     units::NameLookup parameterLookup() const;
 
+    // ---- Recompute and the design history.
+    // Tells the observers, then brings everything that depends on the object up to
+    // date in dependency order. Nested calls only notify.
+    void notifyChanged(const DocumentObject& object);
+    // Rebuilds every body and recomputes every other object, then settles objects
+    // that move each other in at most 8 further passes.
+    void recomputeAll();
+    // recomputeAll, then every object's observers hear that it changed.
+    void recomputeAllAndNotify();
+    // Builds the body from its base shape through its active features; a failing
+    // feature keeps its sentence and the body keeps the last good shape.
+    Result<void> rebuildBody(GeometryObject& body);
+    // The shape a body had just before a feature, from the feature's last rebuild.
+    const geometry::NamedShape* shapeBefore(std::string_view featureId) const;
+    // The intermediate shape of a body whose features are being computed right now.
+    const geometry::NamedShape* shapeInProgress(std::string_view bodyId) const;
+
     // ---- Observers.
     void addObserver(DocumentObserver* observer);
     void removeObserver(DocumentObserver* observer);
@@ -103,6 +123,17 @@ public:
 private:
     Result<units::Quantity> evaluateParameter(std::string_view name) const;
     void noteIdCounter(std::string_view id);
+    // Dependencies first; only objects in `subset` are visited (all when null).
+    std::vector<DocumentObject*> dependencyOrder(const std::vector<DocumentObject*>& objects) const;
+    Result<geometry::NamedShape> applyFeature(const GeometryObject& body,
+                                              const FeatureObject& feature,
+                                              const geometry::NamedShape& input);
+    void tellObservers(DocumentObject& object);
+
+    struct BodyCacheEntry {
+        std::vector<std::string> active; // the active feature IDs that made the shape
+        geometry::NamedShape shape;
+    };
 
     ObjectList objects_;
     std::vector<DocumentObserver*> observers_;
@@ -114,6 +145,12 @@ private:
     std::string rollback_;
     std::vector<Parameter> parameters_;
     mutable std::vector<std::string> evaluating_; // parameters being evaluated, innermost last
+
+    int notifyDepth_ = 0;
+    std::vector<std::pair<std::string, geometry::NamedShape>> computeStack_; // innermost last
+    std::map<std::string, geometry::NamedShape, std::less<>>
+        shapeCache_; // shape before each feature
+    std::map<std::string, BodyCacheEntry, std::less<>> bodyCache_;
 };
 
 } // namespace cad

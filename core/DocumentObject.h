@@ -2,6 +2,8 @@
 // planes...): identity, label, owning component, visibility and looks.
 #pragma once
 
+#include "core/Result.h"
+
 #include <cstdint>
 #include <map>
 #include <string>
@@ -11,6 +13,9 @@
 namespace cad {
 
 class Document;
+namespace geometry {
+class NamedShape;
+}
 
 class DocumentObject {
 public:
@@ -45,6 +50,9 @@ class FeatureObject : public DocumentObject {
 public:
     // IDs of objects outside the feature's own body that it uses.
     virtual std::vector<std::string> references() const = 0;
+    // Computes the feature from its body's current shape.
+    virtual Result<geometry::NamedShape> apply(const geometry::NamedShape& input,
+                                               const Document& document) const = 0;
     // False for a feature that moves with another history step instead of standing
     // in the timeline on its own (a body pattern bound to a pattern set).
     virtual bool standsAlone() const { return true; }

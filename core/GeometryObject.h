@@ -3,24 +3,19 @@
 #pragma once
 
 #include "core/DocumentObject.h"
-
-#include <memory>
+#include "core/NamedShape.h"
 
 namespace cad {
-
-namespace geometry {
-class NamedShape;
-}
 
 class GeometryObject : public DocumentObject {
 public:
     std::string_view typeName() const override { return "Body"; }
 
-    bool hasBaseShape() const { return baseShape != nullptr; }
+    bool hasBaseShape() const { return !baseShape.isNull(); }
 
+    geometry::NamedShape baseShape;    // what an imported or created body starts from
     std::vector<std::string> features; // feature IDs in build order
-    std::shared_ptr<const geometry::NamedShape>
-        baseShape; // what an imported or created body starts from
+    geometry::NamedShape shape;        // the current result, with its final names
 };
 
 } // namespace cad

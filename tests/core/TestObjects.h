@@ -3,6 +3,13 @@
 #pragma once
 
 #include "core/DocumentObject.h"
+#include "core/NamedShape.h"
+
+#include <BRep_Builder.hxx>
+#include <TopExp.hxx>
+#include <TopTools_IndexedMapOfShape.hxx>
+#include <TopoDS_Compound.hxx>
+#include <gp_Pnt.hxx>
 
 #include <memory>
 #include <string>
@@ -20,11 +27,15 @@ public:
     }
     std::string_view typeName() const override { return type; }
     std::vector<std::string> dependencies() const override { return uses; }
+    bool recompute(const Document&) override { return recomputesLeft > 0 && recomputesLeft--; }
 
     std::string type;
     std::vector<std::string> uses;
+    int recomputesLeft = 0; // how many more recomputes report a change
 };
 
+// A feature that adds one vertex to its body's shape, so a shape's vertex count
+// tells how many features built it; it fails while `failure` is set.
 class TestFeature : public FeatureObject {
 public:
     explicit TestFeature(std::string objectId, std::vector<std::string> refs = {})
@@ -34,8 +45,23 @@ public:
     std::string_view typeName() const override { return "Extrude"; }
     std::vector<std::string> references() const override { return refs_; }
     bool standsAlone() const override { return alone; }
+    Result<geometry::NamedShape> apply(const geometry::NamedShape& input,
+                                       const Document&) const override {
+        ++applied;
+        if (!failure.empty()) return fail(failure);
+        BRep_Builder builder;
+        TopoDS_Compound compound;
+        builder.MakeCompound(compound);
+        if (!input.isNull()) builder.Add(compound, input.shape());
+        TopoDS_Vertex vertex;
+        builder.MakeVertex(vertex, gp_Pnt(static_cast<double>(applied), 0, 0), 1e-7);
+        builder.Add(compound, vertex);
+        return geometry::NamedShape(compound);
+    }
 
     bool alone = true;
+    std::string failure;
+    mutable int applied = 0;
 
 private:
     std::vector<std::string> refs_;
@@ -43,6 +69,14 @@ private:
 
 inline std::unique_ptr<Thing> thing(std::string type, std::string id, std::string label = {}) {
     return std::make_unique<Thing>(std::move(type), std::move(id), std::move(label));
+}
+
+// How many features built a shape made of TestFeatures.
+inline int vertexCount(const geometry::NamedShape& shape) {
+    if (shape.isNull()) return 0;
+    TopTools_IndexedMapOfShape vertices;
+    TopExp::MapShapes(shape.shape(), TopAbs_VERTEX, vertices);
+    return vertices.Extent();
 }
 
 } // namespace cad::test

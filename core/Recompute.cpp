@@ -1,0 +1,230 @@
+// Bringing results up to date: change propagation in dependency order, the full
+// recompute with its bounded settling passes, and the body rebuild with its two
+// incremental shortcuts (a feature added at the end, the last feature dropped).
+#include "core/Document.h"
+#include "core/GeometryObject.h"
+
+#include <algorithm>
+#include <deque>
+#include <exception>
+#include <functional>
+#include <set>
+
+namespace cad {
+
+namespace {
+
+constexpr int kSettlingPasses = 8;
+constexpr const char* kNotComputed = "Not computed because an earlier feature failed.";
+
+bool isFeature(const DocumentObject& o) {
+    return dynamic_cast<const FeatureObject*>(&o) != nullptr;
+}
+
+bool contains(const std::vector<std::string>& list, std::string_view id) {
+    return std::find(list.begin(), list.end(), id) != list.end();
+}
+
+} // namespace
+
+void Document::tellObservers(DocumentObject& object) {
+    for (DocumentObserver* observer : observers_) observer->objectChanged(object);
+}
+
+std::vector<DocumentObject*>
+Document::dependencyOrder(const std::vector<DocumentObject*>& subset) const {
+    std::set<const DocumentObject*> inSubset(subset.begin(), subset.end());
+    std::set<const DocumentObject*> visited;
+    std::vector<DocumentObject*> order;
+    std::function<void(DocumentObject*)> visit = [&](DocumentObject* object) {
+        if (!visited.insert(object).second) return;
+        for (const std::string& id : dependenciesOf(*object)) {
+            DocumentObject* dependency = find(id);
+            if (dependency && inSubset.count(dependency)) visit(dependency);
+        }
+        order.push_back(object);
+    };
+    for (DocumentObject* object : subset) visit(object);
+    return order;
+}
+
+void Document::notifyChanged(const DocumentObject& changed) {
+    DocumentObject* object = findBySerial(changed.serial);
+    if (!object) return;
+    tellObservers(*object);
+    if (notifyDepth_ >= 1) return;
+    ++notifyDepth_;
+
+    // Everything that depends on the object, directly or through others.
+    std::vector<DocumentObject*> affected;
+    std::set<const DocumentObject*> seen{object};
+    std::deque<std::string> queue{object->id};
+    while (!queue.empty()) {
+        std::string id = std::move(queue.front());
+        queue.pop_front();
+        for (const auto& other : objects_) {
+            if (seen.count(other.get()) || isFeature(*other)) continue;
+            if (!contains(dependenciesOf(*other), id)) continue;
+            seen.insert(other.get());
+            affected.push_back(other.get());
+            queue.push_back(other->id);
+        }
+    }
+
+    std::set<std::string, std::less<>> changedIds{object->id};
+    for (DocumentObject* target : dependencyOrder(affected)) {
+        std::vector<std::string> uses = dependenciesOf(*target);
+        bool touched = std::any_of(uses.begin(), uses.end(),
+                                   [&](const std::string& id) { return changedIds.count(id) > 0; });
+        if (!touched) continue;
+        if (auto* body = dynamic_cast<GeometryObject*>(target)) {
+            (void)rebuildBody(*body);
+            changedIds.insert(body->id);
+            tellObservers(*body);
+            for (const std::string& featureId : body->features)
+                if (DocumentObject* feature = findByName(featureId)) tellObservers(*feature);
+        } else if (target->recompute(*this)) {
+            changedIds.insert(target->id);
+            tellObservers(*target);
+        }
+    }
+    --notifyDepth_;
+}
+
+void Document::recomputeAll() {
+    std::vector<DocumentObject*> all;
+    for (const auto& o : objects_) all.push_back(o.get());
+    std::vector<DocumentObject*> settling;
+    for (DocumentObject* object : dependencyOrder(all)) {
+        if (auto* body = dynamic_cast<GeometryObject*>(object)) {
+            (void)rebuildBody(*body);
+        } else if (!isFeature(*object)) {
+            object->recompute(*this);
+            settling.push_back(object);
+        }
+    }
+    // Bounded, so two objects that keep moving each other cannot loop forever.
+    for (int pass = 0; pass < kSettlingPasses; ++pass) {
+        bool moved = false;
+        for (DocumentObject* object : settling) moved = object->recompute(*this) || moved;
+        if (!moved) break;
+    }
+}
+
+void Document::setRollback(std::string id, bool recompute) {
+    if (!id.empty() && !find(id)) id.clear();
+    if (id == rollback_) return;
+    rollback_ = std::move(id);
+    if (recompute) recomputeAllAndNotify();
+}
+
+void Document::recomputeAllAndNotify() {
+    recomputeAll();
+    for (const auto& o : objects_) tellObservers(*o);
+}
+
+Result<geometry::NamedShape> Document::applyFeature(const GeometryObject& body,
+                                                    const FeatureObject& feature,
+                                                    const geometry::NamedShape& input) {
+    computeStack_.emplace_back(body.id, input);
+    shapeCache_[feature.id] = input;
+    Result<geometry::NamedShape> result = [&]() -> Result<geometry::NamedShape> {
+        try {
+            return feature.apply(input, *this);
+        } catch (const std::exception& e) {
+            // Features turn kernel failures into sentences; this keeps a slip contained.
+            return fail(std::string("The geometry kernel failed: ") + e.what());
+        } catch (...) {
+            return fail("The geometry kernel failed.");
+        }
+    }();
+    computeStack_.pop_back();
+    return result;
+}
+
+Result<void> Document::rebuildBody(GeometryObject& body) {
+    std::vector<std::string> active;
+    for (const std::string& id : body.features) {
+        auto* feature = dynamic_cast<FeatureObject*>(find(id));
+        if (!feature || isActive(*feature)) active.push_back(id);
+    }
+
+    auto cached = bodyCache_.find(body.id);
+    if (cached != bodyCache_.end() && !active.empty() &&
+        body.shape.shape().IsEqual(cached->second.shape.shape())) {
+        std::vector<std::string>& was = cached->second.active;
+        // A feature was added at the end: compute only that one.
+        if (was.size() + 1 == active.size() && std::equal(was.begin(), was.end(), active.begin())) {
+            auto* feature = dynamic_cast<FeatureObject*>(find(active.back()));
+            if (feature) {
+                Result<geometry::NamedShape> result = applyFeature(body, *feature, body.shape);
+                if (!result) {
+                    feature->error = result.error();
+                    bodyCache_.erase(cached);
+                    return fail(feature->id + ": " + result.error());
+                }
+                feature->error.clear();
+                body.shape = std::move(result).value();
+                cached->second = {active, body.shape};
+                return {};
+            }
+        }
+        // The last feature was dropped (suppressed, rolled back or deleted).
+        if (active.size() + 1 == was.size() &&
+            std::equal(active.begin(), active.end(), was.begin())) {
+            auto before = shapeCache_.find(was.back());
+            if (before != shapeCache_.end()) {
+                body.shape = before->second;
+                cached->second = {active, body.shape};
+                return {};
+            }
+        }
+    }
+
+    geometry::NamedShape shape = body.baseShape;
+    std::string failure;
+    for (const std::string& id : body.features) {
+        auto* feature = dynamic_cast<FeatureObject*>(find(id));
+        if (!feature) {
+            if (failure.empty()) failure = "Feature '" + id + "' is missing.";
+            continue;
+        }
+        if (!failure.empty()) {
+            feature->error = kNotComputed;
+            continue;
+        }
+        if (!isActive(*feature)) {
+            shapeCache_[id] = shape;
+            feature->error.clear();
+            continue;
+        }
+        Result<geometry::NamedShape> result = applyFeature(body, *feature, shape);
+        if (result) {
+            feature->error.clear();
+            shape = std::move(result).value();
+        } else {
+            feature->error = result.error();
+            failure = feature->id + ": " + result.error();
+        }
+    }
+    body.shape = std::move(shape);
+    if (failure.empty()) {
+        bodyCache_[body.id] = {active, body.shape};
+        return {};
+    }
+    bodyCache_.erase(body.id);
+    return fail(failure);
+}
+
+const geometry::NamedShape* Document::shapeBefore(std::string_view featureId) const {
+    auto it = shapeCache_.find(featureId);
+    return it == shapeCache_.end() ? nullptr : &it->second;
+}
+
+const geometry::NamedShape* Document::shapeInProgress(std::string_view bodyId) const {
+    for (auto it = computeStack_.rbegin(); it != computeStack_.rend(); ++it)
+        if (it->first == bodyId) return &it->second;
+    return nullptr;
+}
+
+} // namespace cad
