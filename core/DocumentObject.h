@@ -3,6 +3,9 @@
 #pragma once
 
 #include "core/Result.h"
+#include "core/units/Expression.h"
+
+#include <any>
 
 #include <cstdint>
 #include <map>
@@ -30,6 +33,20 @@ public:
     virtual std::vector<std::string> dependencies() const { return {}; }
     // Recomputes the object from its inputs; true when its result changed.
     virtual bool recompute(const Document&) { return false; }
+
+    // Values typed as expressions follow the document's parameters. An object with
+    // such values lists them by value key ("distance", "Distance1"), renames
+    // parameter names inside them, and re-evaluates them, storing the results and
+    // naming each failure "<ID>.<key>: <message>"; true when anything changed.
+    virtual std::vector<std::pair<std::string, units::Expression>> valueExpressions() const {
+        return {};
+    }
+    virtual void renameInExpressions(std::string_view /*from*/, std::string_view /*to*/) {}
+    virtual bool reevaluateExpressions(std::vector<std::string>& /*problems*/) { return false; }
+    // Everything re-evaluating may change, to put back exactly when a parameter
+    // change is refused or undone.
+    virtual std::any valuesSnapshot() const { return {}; }
+    virtual void restoreValues(const std::any& /*snapshot*/) {}
 
     // The label when there is one, else the ID.
     const std::string& displayName() const { return label.empty() ? id : label; }

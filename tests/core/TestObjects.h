@@ -11,8 +11,12 @@
 #include <TopoDS_Compound.hxx>
 #include <gp_Pnt.hxx>
 
+#include "core/units/ExpressionNames.h"
+
 #include <memory>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace cad::test {
@@ -59,9 +63,40 @@ public:
         return geometry::NamedShape(compound);
     }
 
+    // One value that may follow an expression, as real features' distances do.
+    std::vector<std::pair<std::string, units::Expression>> valueExpressions() const override {
+        if (!distanceExpression) return {};
+        return {{"distance", *distanceExpression}};
+    }
+    void renameInExpressions(std::string_view from, std::string_view to) override {
+        if (distanceExpression)
+            distanceExpression->text =
+                units::renameInExpression(distanceExpression->text, from, to);
+    }
+    bool reevaluateExpressions(std::vector<std::string>& problems) override {
+        if (!distanceExpression) return false;
+        Result<double> value = units::evaluate(*distanceExpression);
+        if (!value) {
+            problems.push_back(id + ".distance: " + value.error());
+            return false;
+        }
+        if (*value == distance) return false;
+        distance = *value;
+        return true;
+    }
+    std::any valuesSnapshot() const override {
+        return std::make_pair(distance, distanceExpression);
+    }
+    void restoreValues(const std::any& snapshot) override {
+        std::tie(distance, distanceExpression) =
+            std::any_cast<std::pair<double, std::optional<units::Expression>>>(snapshot);
+    }
+
     bool alone = true;
     std::string failure;
     mutable int applied = 0;
+    double distance = 0;
+    std::optional<units::Expression> distanceExpression;
 
 private:
     std::vector<std::string> refs_;
