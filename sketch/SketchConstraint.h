@@ -44,14 +44,12 @@ struct SketchRef {
     std::string text() const { return part.empty() ? entity : entity + "." + part; }
 };
 
-struct Point2;
-
 struct SketchConstraint {
     std::string id; // prefix + smallest unused number: "Coincident3", "Length1"
     ConstraintType type = ConstraintType::Fix;
     std::vector<SketchRef> refs;
-    double value = 0;          // mm, or degrees for an angle; unused by geometric constraints
-    std::vector<double> data;  // orientation chosen when added; fix keeps its target here
+    double value = 0;         // mm, or degrees for an angle; unused by geometric constraints
+    std::vector<double> data; // orientation chosen when added; fix keeps its target here
     std::optional<std::pair<double, double>> label; // where a dimension's value is drawn
     std::optional<units::Expression> expression;    // what the value follows
 };
