@@ -110,6 +110,10 @@ public:
     // Builds the body from its base shape through its active features; a failing
     // feature keeps its sentence and the body keeps the last good shape.
     Result<void> rebuildBody(GeometryObject& body);
+    // As rebuildBody, but computing only from `featureId` on when the last rebuild's
+    // input to that feature is known and nothing else has changed the body since
+    // (the features before it are unchanged); otherwise a full rebuild.
+    Result<void> rebuildBodyFrom(GeometryObject& body, std::string_view featureId);
     // The shape a body had just before a feature, from the feature's last rebuild.
     const geometry::NamedShape* shapeBefore(std::string_view featureId) const;
     // The intermediate shape of a body whose features are being computed right now.
@@ -129,6 +133,10 @@ private:
                                               const FeatureObject& feature,
                                               const geometry::NamedShape& input);
     void tellObservers(DocumentObject& object);
+    // Applies the body's features from index `start` on to `shape`.
+    Result<void> rebuildFeatures(GeometryObject& body, std::size_t start,
+                                 geometry::NamedShape shape, std::vector<std::string> active);
+    bool cacheMatches(const GeometryObject& body) const;
 
     struct BodyCacheEntry {
         std::vector<std::string> active; // the active feature IDs that made the shape

@@ -78,7 +78,19 @@ void Document::notifyChanged(const DocumentObject& changed) {
                                    [&](const std::string& id) { return changedIds.count(id) > 0; });
         if (!touched) continue;
         if (auto* body = dynamic_cast<GeometryObject*>(target)) {
-            (void)rebuildBody(*body);
+            // Only the features from the first one that uses a changed object on.
+            std::string first;
+            for (const std::string& featureId : body->features) {
+                auto* feature = dynamic_cast<const FeatureObject*>(find(featureId));
+                if (!feature) continue;
+                std::vector<std::string> refs = feature->references();
+                if (std::any_of(refs.begin(), refs.end(),
+                                [&](const std::string& id) { return changedIds.count(id) > 0; })) {
+                    first = featureId;
+                    break;
+                }
+            }
+            (void)(first.empty() ? rebuildBody(*body) : rebuildBodyFrom(*body, first));
             changedIds.insert(body->id);
             tellObservers(*body);
             for (const std::string& featureId : body->features)
@@ -181,9 +193,34 @@ Result<void> Document::rebuildBody(GeometryObject& body) {
         }
     }
 
-    geometry::NamedShape shape = body.baseShape;
-    std::string failure;
+    return rebuildFeatures(body, 0, body.baseShape, std::move(active));
+}
+
+bool Document::cacheMatches(const GeometryObject& body) const {
+    auto cached = bodyCache_.find(body.id);
+    return cached != bodyCache_.end() && body.shape.shape().IsEqual(cached->second.shape.shape());
+}
+
+Result<void> Document::rebuildBodyFrom(GeometryObject& body, std::string_view featureId) {
+    auto at = std::find(body.features.begin(), body.features.end(), featureId);
+    auto before = shapeCache_.find(featureId);
+    if (at == body.features.end() || before == shapeCache_.end() || !cacheMatches(body))
+        return rebuildBody(body);
+    std::vector<std::string> active;
     for (const std::string& id : body.features) {
+        auto* feature = dynamic_cast<FeatureObject*>(find(id));
+        if (!feature || isActive(*feature)) active.push_back(id);
+    }
+    return rebuildFeatures(body, static_cast<std::size_t>(at - body.features.begin()),
+                           before->second, std::move(active));
+}
+
+Result<void> Document::rebuildFeatures(GeometryObject& body, std::size_t start,
+                                       geometry::NamedShape shape,
+                                       std::vector<std::string> active) {
+    std::string failure;
+    for (std::size_t i = start; i < body.features.size(); ++i) {
+        const std::string& id = body.features[i];
         auto* feature = dynamic_cast<FeatureObject*>(find(id));
         if (!feature) {
             if (failure.empty()) failure = "Feature '" + id + "' is missing.";
@@ -209,7 +246,7 @@ Result<void> Document::rebuildBody(GeometryObject& body) {
     }
     body.shape = std::move(shape);
     if (failure.empty()) {
-        bodyCache_[body.id] = {active, body.shape};
+        bodyCache_[body.id] = {std::move(active), body.shape};
         return {};
     }
     bodyCache_.erase(body.id);

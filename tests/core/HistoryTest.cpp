@@ -88,6 +88,33 @@ TEST_F(History, EditingTheEndOfTheHistoryTouchesOnlyTheEnd) {
     EXPECT_EQ(vertexCount(body->shape), 4);
 }
 
+TEST_F(History, AChangeRebuildsFromTheFeatureItReaches) {
+    auto* late = add<TestFeature>("Hole1", std::vector<std::string>{"Plane7"});
+    body->features.push_back("Hole1");
+    auto* plane = doc.add(thing("Plane", "Plane7"));
+    ASSERT_TRUE(doc.rebuildBody(*body).ok());
+    resetCounts();
+    late->applied = 0;
+
+    // The plane only reaches the last feature: the three before it are not recomputed.
+    doc.notifyChanged(*plane);
+    EXPECT_EQ(f1->applied + f2->applied + f3->applied, 0);
+    EXPECT_EQ(late->applied, 1);
+    EXPECT_EQ(vertexCount(body->shape), 4);
+
+    // Editing a middle feature recomputes it and what follows, not what precedes it.
+    ASSERT_TRUE(doc.rebuildBodyFrom(*body, "Fillet1").ok());
+    EXPECT_EQ(f1->applied, 0);
+    EXPECT_EQ(f2->applied, 1);
+    EXPECT_EQ(late->applied, 2);
+
+    // When something else changed the body, nothing cached is trusted.
+    body->shape = geometry::NamedShape();
+    ASSERT_TRUE(doc.rebuildBodyFrom(*body, "Hole1").ok());
+    EXPECT_EQ(f1->applied, 1);
+    EXPECT_EQ(vertexCount(body->shape), 4);
+}
+
 TEST_F(History, ChangesReachWhatDependsOnThemInOrder) {
     auto section = thing("Section", "Section1");
     section->uses = {"Body1"};
