@@ -1,0 +1,28 @@
+// Shared pieces of the geometry commands.
+#include "geometry/CommandSupport.h"
+
+#include "core/Document.h"
+#include "core/TextCase.h"
+#include "core/units/ExpressionNames.h"
+
+namespace cad {
+
+bool nameTaken(const Document& document, std::string_view name) {
+    for (const auto& object : document.objects())
+        if (equalsIgnoringCase(object->id, name) ||
+            (!object->label.empty() && equalsIgnoringCase(object->label, name)))
+            return true;
+    return false;
+}
+
+bool badObjectName(std::string_view name) {
+    return name.find_first_of("/\n\r\t") != std::string_view::npos;
+}
+
+std::optional<units::Expression> boundExpression(const Value* value, const Document& document) {
+    auto* text = value ? std::get_if<std::string>(value) : nullptr;
+    if (!text || !units::usesNames(*text)) return std::nullopt;
+    return units::Expression{*text, document.lengthUnit(), true, false};
+}
+
+} // namespace cad

@@ -1,0 +1,11 @@
+// The project file's support for bodies and extrudes: their own keys, and a body's
+// base shape as a BRep side file.
+#pragma once
+
+namespace cad {
+
+class ObjectTypes;
+
+void registerGeometryTypes(ObjectTypes& types);
+
+} // namespace cad
