@@ -1,6 +1,8 @@
 // libFuzzer target: any bytes given to the project reader must come back as a
 // document or as a sentence, never as a crash, a hang or a huge allocation.
 #include "core/ProjectFile.h"
+#include "geometry/GeometryTypes.h"
+#include "sketch/SketchJson.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -8,10 +10,12 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const cad::ObjectTypes types = [] {
         cad::ObjectTypes t;
-        // Every object type the project knows is registered here as it arrives.
+        cad::registerSketchTypes(t);
+        cad::registerGeometryTypes(t);
         return t;
     }();
-    auto result = cad::readProjectBytes(cad::Bytes(reinterpret_cast<const char*>(data), size), "fuzz.kv3", types);
+    auto result = cad::readProjectBytes(cad::Bytes(reinterpret_cast<const char*>(data), size),
+                                        "fuzz.kv3", types);
     (void)result;
     return 0;
 }
