@@ -54,7 +54,8 @@ void numberDuplicates(std::vector<std::string>& names, const std::vector<std::st
     std::unordered_map<std::string, std::vector<int>> groups;
     for (int i = 0; i < static_cast<int>(names.size()); ++i)
         groups[names[static_cast<std::size_t>(i)]].push_back(i);
-    for (auto& [name, members] : groups) {
+    for (auto& group : groups) {
+        const std::vector<int>& members = group.second; // a plain reference: lambdas may capture it
         if (members.size() < 2) continue;
         std::vector<Key> keys(members.size());
         for (std::size_t m = 0; m < members.size(); ++m) keys[m] = keyAt(members[m]);
@@ -68,7 +69,7 @@ void numberDuplicates(std::vector<std::string>& names, const std::vector<std::st
         });
         for (std::size_t k = 1; k < order.size(); ++k)
             names[static_cast<std::size_t>(members[order[k]])] =
-                name + "[" + std::to_string(k + 1) + "]";
+                group.first + "[" + std::to_string(k + 1) + "]";
     }
 }
 
