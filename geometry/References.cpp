@@ -284,7 +284,7 @@ Result<TopoDS_Shape> resolveElement(const Document& document, std::string_view t
                                  "/ edgeN / vertexN.";
     auto findBody = [&](std::string_view name) -> Result<const GeometryObject*> {
         auto* body = document.findAs<GeometryObject>(name);
-        if (!body) return fail("No body named '" + std::string(name) + "'");
+        if (!body) return fail("No body named '" + std::string(name) + "'.");
         if (body->shape.isNull()) return fail(body->id + " is empty.");
         return body;
     };
@@ -296,7 +296,7 @@ Result<TopoDS_Shape> resolveElement(const Document& document, std::string_view t
         std::optional<TopoDS_Shape> element =
             (*body)->shape.findByName(trimmed(text.substr(slash + 1)));
         if (!element)
-            return fail(std::string(text) + " has no element with that name now (see get_body).");
+            return fail((*body)->id + " has no element with that name now (see get_body).");
         return *element;
     }
 
@@ -322,8 +322,8 @@ Result<TopoDS_Shape> resolveElement(const Document& document, std::string_view t
             if (!body) return Error(body);
             std::optional<TopoDS_Shape> element = (*body)->shape.elementByIndex(k.type, n);
             if (!element)
-                return fail(std::string(text) + ": " + (*body)->id + " has no " + k.word + " " +
-                            std::to_string(n) + " (see get_body).");
+                return fail((*body)->id + " has no " + k.word + " " + std::to_string(n) +
+                            " (see get_body).");
             return *element;
         }
     }
@@ -334,7 +334,7 @@ Result<TopoDS_Shape> resolveElement(const Document& document, std::string_view t
         return (*body)->shape.shape();
     }
     if (text.find('.') == std::string_view::npos && !document.findByName(text))
-        return fail("No body named '" + std::string(text) + "'");
+        return fail("No body named '" + std::string(text) + "'.");
     return fail(expected);
 }
 

@@ -144,12 +144,11 @@ TEST_F(References, ElementsForTheQueryTools) {
         const char* error;
     };
     for (const Case& c : {
-             Case{"Box1.face0", "Box1.face0: Box1 has no face 0 (see get_body)."},
-             Case{"Box1.edge13", "Box1.edge13: Box1 has no edge 13 (see get_body)."},
-             Case{"Box1/Box1.nope",
-                  "Box1/Box1.nope has no element with that name now (see get_body)."},
-             Case{"Box2.face1", "No body named 'Box2'"},
-             Case{"Box2", "No body named 'Box2'"},
+             Case{"Box1.face0", "Box1 has no face 0 (see get_body)."},
+             Case{"Box1.edge13", "Box1 has no edge 13 (see get_body)."},
+             Case{"Box1/Box1.nope", "Box1 has no element with that name now (see get_body)."},
+             Case{"Box2.face1", "No body named 'Box2'."},
+             Case{"Box2", "No body named 'Box2'."},
              Case{"Box1.side", "'Box1.side': expected Body1, Body1/<name from get_body>, or "
                                "Body1.faceN / edgeN / vertexN."},
          }) {
