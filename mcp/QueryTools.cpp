@@ -1,0 +1,184 @@
+// The query tools for documents and sketches, undo and redo, project files and
+// the view. They read the model or go through the host; none leaves it half-changed.
+#include "mcp/QueryTools.h"
+
+#include "core/ArgReader.h"
+#include "core/CommandStack.h"
+#include "core/Document.h"
+#include "core/DocumentJson.h"
+#include "core/GeometryObject.h"
+#include "core/JsonLayout.h"
+#include "mcp/AllCommands.h"
+#include "mcp/BodyTools.h"
+#include "mcp/McpHost.h"
+#include "sketch/SketchObject.h"
+#include "sketch/SketchReference.h"
+#include "sketch/SketchSolver.h"
+
+#include <cmath>
+
+namespace cad::mcp {
+
+namespace {
+
+using ordered_json = nlohmann::ordered_json;
+
+ordered_json sketchAnalysis(const SketchObject& sketch) {
+    SketchAnalysis analysis = analyseSketch(sketch.entities, sketch.constraints);
+    ordered_json out = ordered_json::object();
+    out["degrees_of_freedom"] = analysis.degreesOfFreedom;
+    out["fully_constrained"] = analysis.degreesOfFreedom == 0;
+    return out;
+}
+
+// Reads the tool's arguments: only `names` allowed, then the readers' checks.
+#define KORVEL_CHECK(result)                                                                       \
+    if (auto&& checked = (result); !checked) return ToolAnswer::failure(checked.error())
+
+} // namespace
+
+const ObjectTypes& allObjectTypes() {
+    static const ObjectTypes types = [] {
+        ObjectTypes t;
+        registerAllTypes(t);
+        return t;
+    }();
+    return types;
+}
+
+Result<void> allowToolArguments(const CommandRecord& arguments,
+                                const std::vector<std::string_view>& names) {
+    if (names.empty() && !arguments.arguments.empty())
+        return fail(arguments.name + ": unknown argument '" + arguments.arguments.front().first +
+                    "'. It takes no arguments.");
+    return ArgReader(arguments).allowOnly(names);
+}
+
+std::string toolJsonText(const ordered_json& value) {
+    std::string text = layoutJson(value);
+    if (!text.empty() && text.back() == '\n') text.pop_back();
+    return text;
+}
+
+double roundMeasure(double value) {
+    double rounded = std::round(value * 1000000.0) / 1000000.0;
+    return rounded == 0 ? 0.0 : rounded; // no "-0"
+}
+
+ordered_json documentAnswer(McpHost& host) {
+    const Document& document = host.document();
+    SideFiles sideFiles;
+    ordered_json json = writeDocumentJson(document, sideFiles, allObjectTypes());
+    ordered_json& records = json["objects"];
+    std::size_t i = 0;
+    for (const auto& object : document.objects()) {
+        ordered_json& record = records[i++];
+        if (auto* body = dynamic_cast<const GeometryObject*>(object.get()))
+            record["measured"] = bodySummary(*body);
+        else if (auto* sketch = dynamic_cast<const SketchObject*>(object.get()))
+            record["analysis"] = sketchAnalysis(*sketch);
+        else if (auto* feature = dynamic_cast<const FeatureObject*>(object.get());
+                 feature && !feature->error.empty())
+            record["error"] = feature->error;
+    }
+    ordered_json answer = ordered_json::object();
+    answer["file"] = host.currentPath();
+    answer["live"] = host.isInteractive();
+    answer["lengths_in"] =
+        "mm (display unit: " + std::string(units::unitAbbreviation(document.lengthUnit())) + ")";
+    answer["document"] = std::move(json);
+    return answer;
+}
+
+ToolAnswer getDocumentTool(McpHost& host, const CommandRecord& arguments) {
+    KORVEL_CHECK(allowToolArguments(arguments, {}));
+    return ToolAnswer::success(toolJsonText(documentAnswer(host)));
+}
+
+ToolAnswer getSketchTool(McpHost& host, const CommandRecord& arguments) {
+    KORVEL_CHECK(allowToolArguments(arguments, {"sketch"}));
+    Result<std::string> name = ArgReader(arguments).string("sketch");
+    KORVEL_CHECK(name);
+    const auto* sketch = host.document().findAs<SketchObject>(*name);
+    if (!sketch) return ToolAnswer::failure("No sketch named '" + *name + "'.");
+
+    ordered_json record = ordered_json::object();
+    record["type"] = std::string(sketch->typeName());
+    record["name"] = sketch->id;
+    if (!sketch->label.empty()) record["label"] = sketch->label;
+    if (const ObjectType* type = allObjectTypes().find(sketch->typeName()); type && type->write) {
+        SideFiles sideFiles;
+        type->write(*sketch, record, sideFiles);
+    }
+    record["analysis"] = sketchAnalysis(*sketch);
+    ordered_json points = ordered_json::array();
+    for (const NamedPoint& p : namedPoints(sketch->entities)) {
+        ordered_json point = ordered_json::object();
+        point["ref"] = p.reference;
+        point["x"] = roundMeasure(p.position.x);
+        point["y"] = roundMeasure(p.position.y);
+        points.push_back(std::move(point));
+    }
+    record["named_points"] = std::move(points);
+    return ToolAnswer::success(toolJsonText(record));
+}
+
+ToolAnswer undoTool(McpHost& host, const CommandRecord& arguments) {
+    KORVEL_CHECK(allowToolArguments(arguments, {}));
+    CommandStack& stack = host.commandStack();
+    const CommandRecord* record = stack.undoRecord();
+    if (!record) return ToolAnswer::failure("Nothing to undo.");
+    const std::string call = record->toCall();
+    if (!stack.undo()) return ToolAnswer::failure("Couldn't undo " + call + ".");
+    return ToolAnswer::success("Undid " + call + ".");
+}
+
+ToolAnswer redoTool(McpHost& host, const CommandRecord& arguments) {
+    KORVEL_CHECK(allowToolArguments(arguments, {}));
+    CommandStack& stack = host.commandStack();
+    const CommandRecord* record = stack.redoRecord();
+    if (!record) return ToolAnswer::failure("Nothing to redo.");
+    const std::string call = record->toCall();
+    CommandResult done = stack.redo();
+    if (!done.ok) return ToolAnswer::failure(done.message);
+    return ToolAnswer::success("Redid " + call + ".");
+}
+
+ToolAnswer newDocumentTool(McpHost& host, const CommandRecord& arguments) {
+    KORVEL_CHECK(allowToolArguments(arguments, {}));
+    KORVEL_CHECK(host.newDocument());
+    return ToolAnswer::success("Started a new document.");
+}
+
+ToolAnswer openProjectTool(McpHost& host, const CommandRecord& arguments) {
+    KORVEL_CHECK(allowToolArguments(arguments, {"path"}));
+    Result<std::string> path = ArgReader(arguments).string("path");
+    KORVEL_CHECK(path);
+    KORVEL_CHECK(host.openProject(*path));
+    return ToolAnswer::success("Opened " + host.currentPath() + ".");
+}
+
+ToolAnswer saveProjectTool(McpHost& host, const CommandRecord& arguments) {
+    KORVEL_CHECK(allowToolArguments(arguments, {"path"}));
+    Result<std::string> path = ArgReader(arguments).string("path", "");
+    KORVEL_CHECK(path);
+    KORVEL_CHECK(host.saveProject(*path));
+    return ToolAnswer::success("Saved " + host.currentPath() + ".");
+}
+
+ToolAnswer screenshotTool(McpHost& host, const CommandRecord& arguments) {
+    KORVEL_CHECK(allowToolArguments(arguments, {}));
+    Result<std::string> png = host.screenshot();
+    if (!png || png->empty()) return ToolAnswer::failure("Couldn't capture the view.");
+    return ToolAnswer::image(std::move(png).value());
+}
+
+ToolAnswer setViewTool(McpHost& host, const CommandRecord& arguments) {
+    KORVEL_CHECK(allowToolArguments(arguments, {"view"}));
+    Result<std::string> view = ArgReader(arguments).string("view");
+    KORVEL_CHECK(view);
+    KORVEL_CHECK(host.setView(*view));
+    return ToolAnswer::success("View changed.");
+}
+
+} // namespace cad::mcp

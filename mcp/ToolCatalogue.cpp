@@ -1,0 +1,171 @@
+// The query and file tools' descriptors, and the schemas of registered commands
+// built from their declared arguments.
+#include "mcp/ToolCatalogue.h"
+
+#include "mcp/BodyTools.h"
+#include "mcp/QueryTools.h"
+
+namespace cad::mcp {
+
+namespace {
+
+using ordered_json = nlohmann::ordered_json;
+
+struct Property {
+    const char* name;
+    bool required;
+    const char* description; // may be empty
+    std::vector<std::string> choices = {};
+};
+
+// A query tool's schema: string properties only, in the order given.
+ordered_json stringSchema(const std::vector<Property>& properties) {
+    ordered_json schema = ordered_json::object();
+    schema["type"] = "object";
+    ordered_json props = ordered_json::object();
+    ordered_json required = ordered_json::array();
+    for (const Property& p : properties) {
+        ordered_json prop = ordered_json::object();
+        prop["type"] = "string";
+        if (!p.choices.empty()) prop["enum"] = p.choices;
+        if (*p.description) prop["description"] = p.description;
+        props[p.name] = std::move(prop);
+        if (p.required) required.push_back(p.name);
+    }
+    schema["properties"] = std::move(props);
+    if (!required.empty()) schema["required"] = std::move(required);
+    schema["additionalProperties"] = false;
+    return schema;
+}
+
+std::vector<QueryTool> buildQueryTools() {
+    std::vector<QueryTool> tools;
+    auto add = [&](const char* name, const char* description, std::vector<Property> properties,
+                   bool readOnly, bool before, ToolHandler run) {
+        tools.push_back(
+            {name, description, stringSchema(properties), readOnly, before, std::move(run)});
+    };
+    add("get_document",
+        "The whole model as JSON: units, sketches (plane, entities, constraints, degrees of "
+        "freedom), features (parameters, errors) and bodies (volume, bounds). Lengths in mm.",
+        {}, true, true, getDocumentTool);
+    add("get_body",
+        "One body's faces, edges and vertices with persistent references and what each measures "
+        "(area, length, radius, center, axis, normal, position). Faces are named after the "
+        "feature and sketch curve that made them (\"Body1/Extrude1.end\", "
+        "\"Body1/Extrude1.side.Line3\"), edges and vertices after the faces they join "
+        "(\"Body1/Edge(Extrude1.end, Extrude1.side.Line3)\"); the names survive dimension "
+        "changes and other edits.",
+        {{"body", true, "e.g. \"Body1\""}}, true, true, getBodyTool);
+    add("measure",
+        "Measure one shape (area, length, radius, position, volume), or two: minimum distance "
+        "with the closest points and dX/dY/dZ, the angle between planes, lines or axes, and the "
+        "distance between hole centers or axes. References: \"Body1\" or the refs get_body "
+        "lists (\"Body1/Extrude1.end\"). Lengths in mm.",
+        {{"a", true, "First shape."}, {"b", false, "Second shape (optional)."}}, true, true,
+        measureTool);
+    add("get_sketch",
+        "One sketch in detail: entities, constraints, degrees of freedom, and every named point "
+        "(\"Line1.end\" ...) with its coordinates, for building references.",
+        {{"sketch", true, "e.g. \"Sketch1\""}}, true, true, getSketchTool);
+    add("undo", "Undo the last change (one tool call is one step).", {}, false, false, undoTool);
+    add("redo", "Redo the last undone change.", {}, false, false, redoTool);
+    add("new_document", "Start a new, empty document (unsaved changes are discarded).", {}, false,
+        false, newDocumentTool);
+    add("open_project", "Open a Korvel Studio project (.kv3).", {{"path", true, "File path."}},
+        false, false, openProjectTool);
+    add("save_project", "Save the document as a Korvel Studio project (.kv3).",
+        {{"path", false, "File path; omit to save to the current file."}}, false, false,
+        saveProjectTool);
+    add("screenshot", "An image of the app's 3D view as the user sees it.", {}, true, false,
+        screenshotTool);
+    add("set_view", "Turn the app's view to a standard direction, or fit everything in view.",
+        {{"view", true, "", {"top", "front", "right", "iso", "fit"}}}, false, false, setViewTool);
+    return tools;
+}
+
+ordered_json descriptor(const std::string& name, const std::string& description,
+                        ordered_json schema, bool readOnly) {
+    ordered_json tool = ordered_json::object();
+    tool["name"] = name;
+    tool["description"] = description;
+    tool["inputSchema"] = std::move(schema);
+    if (readOnly) tool["annotations"] = {{"readOnlyHint", true}};
+    return tool;
+}
+
+// The type of a declared argument in the schema, and the sentence it adds.
+std::pair<ordered_json, const char*> schemaType(ArgType type) {
+    switch (type) {
+    case ArgType::Length:
+        return {ordered_json::array({"number", "string"}),
+                "Length: mm, or a string with units (\"0.5in\", \"1/4\\\"\", \"10 + 2mm\")."};
+    case ArgType::Number:
+        return {"number", ""};
+    case ArgType::Angle:
+        return {"number", "Degrees."};
+    case ArgType::Integer:
+        return {"integer", ""};
+    case ArgType::Boolean:
+        return {"boolean", ""};
+    case ArgType::SketchReference:
+        return {"string", "A sketch reference such as \"Line1.end\", \"Circle1\", \"Origin\"."};
+    case ArgType::String:
+    case ArgType::Text:
+        break;
+    }
+    return {"string", ""};
+}
+
+} // namespace
+
+const std::vector<QueryTool>& queryTools() {
+    static const std::vector<QueryTool> tools = buildQueryTools();
+    return tools;
+}
+
+const QueryTool* findQueryTool(std::string_view name) {
+    for (const QueryTool& tool : queryTools())
+        if (tool.name == name) return &tool;
+    return nullptr;
+}
+
+ordered_json commandInputSchema(const std::vector<ArgSpec>& arguments) {
+    ordered_json schema = ordered_json::object();
+    schema["type"] = "object";
+    ordered_json props = ordered_json::object();
+    ordered_json required = ordered_json::array();
+    for (const ArgSpec& arg : arguments) {
+        auto [type, sentence] = schemaType(arg.type);
+        ordered_json prop = ordered_json::object();
+        prop["type"] = std::move(type);
+        std::string description = arg.description;
+        if (*sentence) description += (description.empty() ? "" : " ") + std::string(sentence);
+        if (!description.empty()) prop["description"] = description;
+        if (!arg.choices.empty()) prop["enum"] = arg.choices;
+        props[arg.name] = std::move(prop);
+        if (arg.required) required.push_back(arg.name);
+    }
+    schema["properties"] = std::move(props);
+    if (!required.empty()) schema["required"] = std::move(required);
+    schema["additionalProperties"] = false;
+    return schema;
+}
+
+ordered_json toolDescriptors(const CommandRegistry& registry) {
+    ordered_json tools = ordered_json::array();
+    for (const QueryTool& tool : queryTools())
+        if (tool.beforeCommands)
+            tools.push_back(
+                descriptor(tool.name, tool.description, tool.inputSchema, tool.readOnly));
+    for (const CommandRegistry::Entry& entry : registry.entries())
+        tools.push_back(
+            descriptor(entry.name, entry.description, commandInputSchema(entry.arguments), false));
+    for (const QueryTool& tool : queryTools())
+        if (!tool.beforeCommands)
+            tools.push_back(
+                descriptor(tool.name, tool.description, tool.inputSchema, tool.readOnly));
+    return tools;
+}
+
+} // namespace cad::mcp
