@@ -128,13 +128,6 @@ private:
     std::string rollback_;
 };
 
-std::string trimmed(std::string_view text) {
-    const char* space = " \t\r\n\v\f";
-    std::size_t first = text.find_first_not_of(space);
-    if (first == std::string_view::npos) return {};
-    return std::string(text.substr(first, text.find_last_not_of(space) - first + 1));
-}
-
 class RenameObjectCommand : public Command {
 public:
     using Command::Command;
@@ -143,7 +136,7 @@ public:
         std::string name = *args.object("object");
         DocumentObject* object = doc.findByName(name);
         if (!object) return CommandResult::failure(doc.lookupError(name));
-        std::string requested = trimmed(*args.string("name"));
+        std::string requested(trimmed(*args.string("name")));
         if (requested.find_first_of("/\n\r\t") != std::string::npos)
             return CommandResult::failure("Names can't contain '/' or line breaks.");
 

@@ -1,5 +1,5 @@
-// ASCII letter-case helpers: IDs, labels and keywords compare byte by byte with
-// ASCII tolower, independent of the user's locale.
+// ASCII text helpers: IDs, labels and keywords compare byte by byte with ASCII
+// tolower, independent of the user's locale; typed text is trimmed of white space.
 #pragma once
 
 #include <string>
@@ -22,6 +22,14 @@ inline std::string toLowerAscii(std::string_view s) {
     std::string out(s);
     for (char& c : out) c = asciiLower(c);
     return out;
+}
+
+// The text without leading and trailing spaces, tabs and line breaks.
+constexpr std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view spaces = " \t\r\n\v\f";
+    std::size_t first = text.find_first_not_of(spaces);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(spaces) - first + 1);
 }
 
 } // namespace cad

@@ -25,4 +25,16 @@ std::optional<units::Expression> boundExpression(const Value* value, const Docum
     return units::Expression{*text, document.lengthUnit(), true, false};
 }
 
+Result<std::optional<std::string>> word(const CommandRecord& record, std::string_view arg,
+                                        std::initializer_list<std::string_view> allowed,
+                                        const char* error) {
+    const Value* value = record.find(arg);
+    if (!value) return std::optional<std::string>();
+    const auto* text = std::get_if<std::string>(value);
+    if (text)
+        for (std::string_view a : allowed)
+            if (*text == a) return std::optional<std::string>(*text);
+    return fail(record.name + ": " + error);
+}
+
 } // namespace cad

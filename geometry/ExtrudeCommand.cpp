@@ -23,17 +23,6 @@ constexpr const char* kExtentError =
     "'extent' must be \"one_side\", \"two_sides\" or \"symmetric\".";
 
 // A word argument that must be one of a few; nothing when absent.
-Result<std::optional<std::string>> word(const CommandRecord& record, std::string_view arg,
-                                        std::initializer_list<std::string_view> allowed,
-                                        const char* error) {
-    const Value* value = record.find(arg);
-    if (!value) return std::optional<std::string>();
-    const auto* text = std::get_if<std::string>(value);
-    if (text)
-        for (std::string_view a : allowed)
-            if (*text == a) return std::optional<std::string>(*text);
-    return fail(record.name + ": " + error);
-}
 
 } // namespace
 

@@ -31,13 +31,6 @@ namespace cad::geometry {
 
 namespace {
 
-std::string_view trimmed(std::string_view text) {
-    const char* spaces = " \t\r\n";
-    std::size_t first = text.find_first_not_of(spaces);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(spaces) - first + 1);
-}
-
 std::optional<ResolvedReference> originReference(std::string_view name) {
     if (std::optional<OriginPlane> plane = parseOriginPlane(name)) {
         PlaneFrame f = originPlaneFrame(*plane);

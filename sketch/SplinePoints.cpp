@@ -1,23 +1,13 @@
 // Parses "x,y; x,y" lists of fit points; each coordinate goes through the length
 // expression reader, so units and parameters work in them.
 #include "sketch/SplinePoints.h"
+#include "core/TextCase.h"
 
 #include "core/units/ExpressionParser.h"
 
 #include <string>
 
 namespace cad {
-
-namespace {
-
-std::string_view trimmed(std::string_view text) {
-    const char* spaces = " \t\r\n";
-    std::size_t first = text.find_first_not_of(spaces);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(spaces) - first + 1);
-}
-
-} // namespace
 
 Result<std::vector<Point2>> parseSplinePoints(std::string_view text) {
     std::vector<Point2> points;
