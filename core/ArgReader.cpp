@@ -40,9 +40,9 @@ Result<void> ArgReader::allowOnly(const std::vector<std::string_view>& names) co
     return {};
 }
 
-Result<void> ArgReader::allowDeclared(const std::vector<ArgSpec>& specs) const {
+Result<void> ArgReader::allowDeclared(const std::vector<ArgSpec>& declared) const {
     std::vector<std::string_view> names;
-    for (const ArgSpec& spec : specs) names.push_back(spec.name);
+    for (const ArgSpec& declaredArg : declared) names.push_back(declaredArg.name);
     return allowOnly(names);
 }
 
@@ -191,26 +191,26 @@ Result<std::string> ArgReader::choice(std::string_view arg, const std::vector<st
     return value ? readChoice(arg, *value, choices) : Result<std::string>(std::move(fallback));
 }
 
-Result<void> checkArguments(const CommandRecord& record, const std::vector<ArgSpec>& specs) {
+Result<void> checkArguments(const CommandRecord& record, const std::vector<ArgSpec>& declared) {
     ArgReader args(record);
-    if (Result<void> ok = args.allowDeclared(specs); !ok) return ok;
-    for (const ArgSpec& spec : specs) {
-        if (!spec.required || args.has(spec.name)) continue;
-        if (!spec.refersTo.empty()) return Error(args.object(spec.name));
-        switch (spec.type) {
+    if (Result<void> ok = args.allowDeclared(declared); !ok) return ok;
+    for (const ArgSpec& declaredArg : declared) {
+        if (!declaredArg.required || args.has(declaredArg.name)) continue;
+        if (!declaredArg.refersTo.empty()) return Error(args.object(declaredArg.name));
+        switch (declaredArg.type) {
         case ArgType::Length:
-            return Error(args.length(spec.name));
+            return Error(args.length(declaredArg.name));
         case ArgType::Number:
         case ArgType::Integer:
-            return Error(args.number(spec.name));
+            return Error(args.number(declaredArg.name));
         case ArgType::Angle:
-            return Error(args.angle(spec.name));
+            return Error(args.angle(declaredArg.name));
         case ArgType::Boolean:
-            return Error(args.boolean(spec.name));
+            return Error(args.boolean(declaredArg.name));
         case ArgType::String:
         case ArgType::SketchReference:
         case ArgType::Text:
-            return Error(args.string(spec.name));
+            return Error(args.string(declaredArg.name));
         }
     }
     return {};

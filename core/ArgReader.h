@@ -20,7 +20,7 @@ public:
 
     // Fails on the first argument whose name is not in the list, naming the list.
     Result<void> allowOnly(const std::vector<std::string_view>& names) const;
-    Result<void> allowDeclared(const std::vector<ArgSpec>& specs) const;
+    Result<void> allowDeclared(const std::vector<ArgSpec>& declared) const;
 
     bool has(std::string_view arg) const { return record_.has(arg); }
 
@@ -59,6 +59,6 @@ private:
 
 // Refuses unknown argument names and missing required arguments, with the sentence
 // the matching reader would give.
-Result<void> checkArguments(const CommandRecord& record, const std::vector<ArgSpec>& specs);
+Result<void> checkArguments(const CommandRecord& record, const std::vector<ArgSpec>& declared);
 
 } // namespace cad

@@ -46,13 +46,13 @@ CommandRecord CommandRegistry::canonicalize(const CommandRecord& record,
     const Entry* entry = find(record.name);
     if (!entry) return record;
     CommandRecord result = record;
-    for (const ArgSpec& spec : entry->arguments) {
-        if (spec.refersTo.empty()) continue;
-        const Value* value = result.find(spec.name);
+    for (const ArgSpec& declaredArg : entry->arguments) {
+        if (declaredArg.refersTo.empty()) continue;
+        const Value* value = result.find(declaredArg.name);
         if (!value || !std::holds_alternative<std::string>(*value)) continue;
         if (const DocumentObject* object =
-                resolveObject(document, spec.refersTo, std::get<std::string>(*value)))
-            result.set(spec.name, Value(object->id));
+                resolveObject(document, declaredArg.refersTo, std::get<std::string>(*value)))
+            result.set(declaredArg.name, Value(object->id));
     }
     return result;
 }

@@ -132,18 +132,18 @@ private:
 
 // The parameter commands answer missing arguments in their own words.
 void addParameterCommand(CommandRegistry& registry, std::string name, std::string description,
-                         std::vector<ArgSpec> specs,
+                         std::vector<ArgSpec> declared,
                          std::vector<std::pair<std::string, std::string>> required) {
-    auto factory = [specs, required = std::move(required)](
+    auto factory = [declared, required = std::move(required)](
                        const CommandRecord& r) -> Result<std::unique_ptr<Command>> {
-        if (Result<void> ok = ArgReader(r).allowDeclared(specs); !ok) return Error(ok);
+        if (Result<void> ok = ArgReader(r).allowDeclared(declared); !ok) return Error(ok);
         for (const auto& [key, message] : required) {
             const Value* value = r.find(key);
             if (!value || !std::holds_alternative<std::string>(*value)) return fail(message);
         }
         return std::unique_ptr<Command>(std::make_unique<ParameterCommand>(r));
     };
-    registry.add(std::move(name), std::move(description), std::move(specs), std::move(factory));
+    registry.add(std::move(name), std::move(description), std::move(declared), std::move(factory));
 }
 
 } // namespace

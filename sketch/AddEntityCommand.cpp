@@ -207,9 +207,9 @@ Result<SketchGeometry> readSlot(const ArgReader& reader) {
 } // namespace
 
 std::vector<ArgSpec> AddEntityCommand::arguments(EntityKind kind) {
-    std::vector<ArgSpec> specs{sketchArg()};
+    std::vector<ArgSpec> declared{sketchArg()};
     auto add = [&](std::vector<ArgSpec> more) {
-        for (ArgSpec& spec : more) specs.push_back(std::move(spec));
+        for (ArgSpec& declaredArg : more) declared.push_back(std::move(declaredArg));
     };
     const char* radius = "Give radius or diameter.";
     switch (kind) {
@@ -266,8 +266,8 @@ std::vector<ArgSpec> AddEntityCommand::arguments(EntityKind kind) {
              lengthArg("width", "Full width.")});
         break;
     }
-    specs.push_back(constructionArg());
-    return specs;
+    declared.push_back(constructionArg());
+    return declared;
 }
 
 Result<std::unique_ptr<Command>> AddEntityCommand::create(EntityKind kind,
