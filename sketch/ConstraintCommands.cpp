@@ -83,13 +83,10 @@ std::vector<ArgSpec> AddConstraintCommand::arguments() {
 
 Result<std::unique_ptr<Command>> AddConstraintCommand::create(const CommandRecord& record) {
     ArgReader reader(record);
-    if (auto ok = reader.allowDeclared(arguments()); !ok) return Error(ok);
-    Result<std::string> sketch = reader.string("sketch");
-    if (!sketch) return Error(sketch);
-    Result<std::string> keyword = reader.string("type");
-    if (!keyword) return Error(keyword);
-    std::optional<ConstraintType> type = parseConstraintKeyword(*keyword);
-    if (!type) return fail("add_constraint: unknown constraint type '" + *keyword + "'.");
+    Result<SketchItem> names = readSketchItem(record, arguments(), "type");
+    if (!names) return Error(names);
+    std::optional<ConstraintType> type = parseConstraintKeyword(names->item);
+    if (!type) return fail("add_constraint: unknown constraint type '" + names->item + "'.");
 
     SketchConstraint constraint;
     constraint.type = *type;
@@ -125,8 +122,8 @@ Result<std::unique_ptr<Command>> AddConstraintCommand::create(const CommandRecor
         if (!y) return Error(y);
         constraint.label = std::pair{*x, *y};
     }
-    return std::unique_ptr<Command>(
-        std::make_unique<AddConstraintCommand>(record, *sketch, std::move(constraint), hasValue));
+    return std::unique_ptr<Command>(std::make_unique<AddConstraintCommand>(
+        record, names->sketch, std::move(constraint), hasValue));
 }
 
 Result<std::string> AddConstraintCommand::edit(const SketchObject& sketch, Lists& lists) {
@@ -158,16 +155,12 @@ std::vector<ArgSpec> EditConstraintCommand::arguments() {
 }
 
 Result<std::unique_ptr<Command>> EditConstraintCommand::create(const CommandRecord& record) {
-    ArgReader reader(record);
-    if (auto ok = reader.allowDeclared(arguments()); !ok) return Error(ok);
-    Result<std::string> sketch = reader.string("sketch");
-    if (!sketch) return Error(sketch);
-    Result<std::string> constraint = reader.string("constraint");
-    if (!constraint) return Error(constraint);
+    Result<SketchItem> names = readSketchItem(record, arguments(), "constraint");
+    if (!names) return Error(names);
     const Value* value = record.find("value");
     if (!value) return fail("edit_constraint: missing argument 'value'.");
     return std::unique_ptr<Command>(
-        std::make_unique<EditConstraintCommand>(record, *sketch, *constraint, *value));
+        std::make_unique<EditConstraintCommand>(record, names->sketch, names->item, *value));
 }
 
 Result<std::string> EditConstraintCommand::edit(const SketchObject& sketch, Lists& lists) {
@@ -214,14 +207,10 @@ std::vector<ArgSpec> DeleteConstraintCommand::arguments() {
 }
 
 Result<std::unique_ptr<Command>> DeleteConstraintCommand::create(const CommandRecord& record) {
-    ArgReader reader(record);
-    if (auto ok = reader.allowDeclared(arguments()); !ok) return Error(ok);
-    Result<std::string> sketch = reader.string("sketch");
-    if (!sketch) return Error(sketch);
-    Result<std::string> constraint = reader.string("constraint");
-    if (!constraint) return Error(constraint);
+    Result<SketchItem> names = readSketchItem(record, arguments(), "constraint");
+    if (!names) return Error(names);
     return std::unique_ptr<Command>(
-        std::make_unique<DeleteConstraintCommand>(record, *sketch, *constraint));
+        std::make_unique<DeleteConstraintCommand>(record, names->sketch, names->item));
 }
 
 // Removing a constraint cannot break the others, so nothing is solved.
@@ -244,11 +233,8 @@ std::vector<ArgSpec> MoveDimensionCommand::arguments() {
 
 Result<std::unique_ptr<Command>> MoveDimensionCommand::create(const CommandRecord& record) {
     ArgReader reader(record);
-    if (auto ok = reader.allowDeclared(arguments()); !ok) return Error(ok);
-    Result<std::string> sketch = reader.string("sketch");
-    if (!sketch) return Error(sketch);
-    Result<std::string> constraint = reader.string("constraint");
-    if (!constraint) return Error(constraint);
+    Result<SketchItem> names = readSketchItem(record, arguments(), "constraint");
+    if (!names) return Error(names);
     if (!reader.has("x") || !reader.has("y"))
         return fail("move_dimension: give the offset in 'x' and 'y'.");
     Result<double> x = reader.length("x");
@@ -256,7 +242,7 @@ Result<std::unique_ptr<Command>> MoveDimensionCommand::create(const CommandRecor
     Result<double> y = reader.length("y");
     if (!y) return Error(y);
     return std::unique_ptr<Command>(
-        std::make_unique<MoveDimensionCommand>(record, *sketch, *constraint, *x, *y));
+        std::make_unique<MoveDimensionCommand>(record, names->sketch, names->item, *x, *y));
 }
 
 Result<std::string> MoveDimensionCommand::edit(const SketchObject& sketch, Lists& lists) {

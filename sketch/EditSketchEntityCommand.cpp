@@ -166,11 +166,8 @@ std::vector<ArgSpec> EditSketchEntityCommand::arguments() {
 
 Result<std::unique_ptr<Command>> EditSketchEntityCommand::create(const CommandRecord& record) {
     ArgReader reader(record);
-    if (auto ok = reader.allowDeclared(arguments()); !ok) return Error(ok);
-    Result<std::string> sketch = reader.string("sketch");
-    if (!sketch) return Error(sketch);
-    Result<std::string> entity = reader.string("entity");
-    if (!entity) return Error(entity);
+    Result<SketchItem> names = readSketchItem(record, arguments(), "entity");
+    if (!names) return Error(names);
 
     Changes changes;
     for (const char* key : kLengthKeys) {
@@ -207,8 +204,8 @@ Result<std::unique_ptr<Command>> EditSketchEntityCommand::create(const CommandRe
         if (!closed) return Error(closed);
         changes.closed = *closed;
     }
-    return std::unique_ptr<Command>(
-        std::make_unique<EditSketchEntityCommand>(record, *sketch, *entity, std::move(changes)));
+    return std::unique_ptr<Command>(std::make_unique<EditSketchEntityCommand>(
+        record, names->sketch, names->item, std::move(changes)));
 }
 
 Result<std::string> EditSketchEntityCommand::edit(const SketchObject& sketch, Lists& lists) {

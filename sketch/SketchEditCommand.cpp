@@ -2,6 +2,7 @@
 // shares.
 #include "sketch/SketchEditCommand.h"
 
+#include "core/ArgReader.h"
 #include "core/Document.h"
 #include "sketch/SketchReference.h"
 
@@ -19,6 +20,17 @@ Result<void> checkConstraintReferences(const std::vector<SketchEntity>& entities
             if (Result<ResolvedRef> r = resolveReference(ref, entities); !r)
                 return r.withPrefix(c.id + ": ");
     return {};
+}
+
+Result<SketchItem> readSketchItem(const CommandRecord& record, const std::vector<ArgSpec>& declared,
+                                  const char* key) {
+    ArgReader reader(record);
+    if (Result<void> ok = reader.allowDeclared(declared); !ok) return Error(ok);
+    Result<std::string> sketch = reader.string("sketch");
+    if (!sketch) return Error(sketch);
+    Result<std::string> item = reader.string(key);
+    if (!item) return Error(item);
+    return SketchItem{*sketch, *item};
 }
 
 CommandResult SketchEditCommand::execute(Document& document) {

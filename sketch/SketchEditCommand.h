@@ -4,6 +4,7 @@
 #pragma once
 
 #include "core/Command.h"
+#include "core/CommandRegistry.h"
 #include "core/Result.h"
 #include "sketch/SketchObject.h"
 
@@ -22,6 +23,15 @@ Result<SketchObject*> findSketch(const Document& document, const std::string& na
 // that doesn't, as its ID, ": " and the resolution message.
 Result<void> checkConstraintReferences(const std::vector<SketchEntity>& entities,
                                        const std::vector<SketchConstraint>& constraints);
+
+// A sketch and one named item of it ("Line3", "Coincident2"), as a command names them.
+struct SketchItem {
+    std::string sketch;
+    std::string item;
+};
+// Refuses undeclared arguments, then reads "sketch" and the item's key, in that order.
+Result<SketchItem> readSketchItem(const CommandRecord& record, const std::vector<ArgSpec>& declared,
+                                  const char* key);
 
 class SketchEditCommand : public Command {
 public:

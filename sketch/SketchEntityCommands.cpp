@@ -25,14 +25,10 @@ std::vector<ArgSpec> DeleteSketchEntityCommand::arguments() {
 }
 
 Result<std::unique_ptr<Command>> DeleteSketchEntityCommand::create(const CommandRecord& record) {
-    ArgReader reader(record);
-    if (auto ok = reader.allowDeclared(arguments()); !ok) return Error(ok);
-    Result<std::string> sketch = reader.string("sketch");
-    if (!sketch) return Error(sketch);
-    Result<std::string> entity = reader.string("entity");
-    if (!entity) return Error(entity);
+    Result<SketchItem> names = readSketchItem(record, arguments(), "entity");
+    if (!names) return Error(names);
     return std::unique_ptr<Command>(
-        std::make_unique<DeleteSketchEntityCommand>(record, *sketch, *entity));
+        std::make_unique<DeleteSketchEntityCommand>(record, names->sketch, names->item));
 }
 
 Result<std::string> DeleteSketchEntityCommand::edit(const SketchObject& sketch, Lists& lists) {
@@ -65,17 +61,14 @@ std::vector<ArgSpec> SetConstructionCommand::arguments() {
 
 Result<std::unique_ptr<Command>> SetConstructionCommand::create(const CommandRecord& record) {
     ArgReader reader(record);
-    if (auto ok = reader.allowDeclared(arguments()); !ok) return Error(ok);
-    Result<std::string> sketch = reader.string("sketch");
-    if (!sketch) return Error(sketch);
-    Result<std::string> entity = reader.string("entity");
-    if (!entity) return Error(entity);
+    Result<SketchItem> names = readSketchItem(record, arguments(), "entity");
+    if (!names) return Error(names);
     if (!reader.has("construction"))
         return fail("set_construction: missing argument 'construction'.");
     Result<bool> construction = reader.boolean("construction");
     if (!construction) return Error(construction);
-    return std::unique_ptr<Command>(
-        std::make_unique<SetConstructionCommand>(record, *sketch, *entity, *construction));
+    return std::unique_ptr<Command>(std::make_unique<SetConstructionCommand>(
+        record, names->sketch, names->item, *construction));
 }
 
 Result<std::string> SetConstructionCommand::edit(const SketchObject& sketch, Lists& lists) {
