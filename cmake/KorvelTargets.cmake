@@ -38,3 +38,22 @@ function(korvel_benchmark name)
     target_link_libraries(${name} PRIVATE ${ARG_LINKS} benchmark::benchmark benchmark::benchmark_main)
     korvel_warnings(${name})
 endfunction()
+
+# korvel_gui_test(name SOURCES ... LINKS ... [OFFSCREEN]): a GoogleTest executable
+# of window code. With OFFSCREEN it runs on Qt's offscreen platform (widgets only);
+# otherwise the whole executable runs as one test on a virtual X screen with Mesa,
+# because the 3D view needs a real GLX context.
+function(korvel_gui_test name)
+    cmake_parse_arguments(ARG "OFFSCREEN" "" "SOURCES;LINKS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/GuiTestMain.cpp)
+    target_link_libraries(${name} PRIVATE ${ARG_LINKS} Qt6::Widgets GTest::gtest)
+    korvel_warnings(${name})
+    set(isolation "LC_ALL=C.UTF-8;KORVEL_MCP=0;KORVEL_AUTOSAVE_MS=100000000")
+    if(ARG_OFFSCREEN)
+        gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
+            PROPERTIES ENVIRONMENT "${isolation};QT_QPA_PLATFORM=offscreen")
+    else()
+        add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with-x $<TARGET_FILE:${name}>)
+        set_tests_properties(${name} PROPERTIES ENVIRONMENT "${isolation}" TIMEOUT 600)
+    endif()
+endfunction()

@@ -36,6 +36,9 @@ public:
     std::size_t redoCount() const { return redoStack_.size(); }
     // The record of the step undo or redo would act on (its last command); null when none.
     const CommandRecord* undoRecord() const;
+    // Where the history stands: the step undo would act on, 0 before any. A saved
+    // document is unmodified exactly while the position is the one it was saved at.
+    std::uint64_t position() const { return undoStack_.empty() ? 0 : undoStack_.back().sequence; }
     const CommandRecord* redoRecord() const;
 
     // Commands executed between these form one step that undoes and redoes as a unit.

@@ -177,6 +177,24 @@ TEST_F(Fixture, GroupsUndoAndRedoAsOneStep) {
     EXPECT_EQ(stack.undoCount(), 2u);
 }
 
+TEST_F(Fixture, PositionComesBackOnlyWithTheSameStep) {
+    EXPECT_EQ(stack.position(), 0u);
+    stack.execute(addThing("Body"));
+    const auto saved = stack.position();
+    stack.execute(addThing("Body"));
+    EXPECT_NE(stack.position(), saved);
+    stack.undo();
+    EXPECT_EQ(stack.position(), saved); // undo back to the save: unmodified again
+    stack.undo();
+    stack.redo();
+    EXPECT_EQ(stack.position(), saved);
+    // A different step at the same depth is a different state.
+    stack.undo();
+    stack.execute(addThing("Plane"));
+    EXPECT_EQ(stack.undoCount(), 1u);
+    EXPECT_NE(stack.position(), saved);
+}
+
 TEST_F(Fixture, RedoThatFailsHalfwayPutsEverythingBack) {
     doc.add(test::thing("Body", "Body9", "Marker"));
     stack.beginGroup();
