@@ -50,6 +50,11 @@ function(korvel_gui_test name)
     korvel_warnings(${name})
     set(isolation "LC_ALL=C.UTF-8;KORVEL_MCP=0;KORVEL_AUTOSAVE_MS=100000000")
     if(ARG_OFFSCREEN)
+        # ctest lists the cases by running the program before any test environment
+        # applies; without a display a QApplication aborts there, so listing and
+        # running both go through the offscreen platform.
+        set_target_properties(${name} PROPERTIES
+            CROSSCOMPILING_EMULATOR "${CMAKE_COMMAND};-E;env;QT_QPA_PLATFORM=offscreen")
         gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
             PROPERTIES ENVIRONMENT "${isolation};QT_QPA_PLATFORM=offscreen")
     else()
