@@ -1,0 +1,339 @@
+// The presenter and the picker on a real 3D view under a virtual X screen: bodies
+// shown and picked by face, the selection filter, changes redrawn in place,
+// removals, and the picker's candidates, groups, hint and Shift rule.
+#include "PresentationModel.h"
+
+#include "geometry/References.h"
+#include "rendering/Viewport.h"
+#include "ui/presentation/DocumentPresenter.h"
+#include "ui/presentation/ReferencePicker.h"
+
+#include <AIS_InteractiveContext.hxx>
+#include <AIS_Shape.hxx>
+#include <StdSelect_BRepOwner.hxx>
+#include <StdSelect_ViewerSelector3d.hxx>
+#include <TColStd_ListOfInteger.hxx>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QKeyEvent>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+#include <optional>
+
+namespace cad::testing {
+
+using rendering::Viewport;
+using ui::DocumentPresenter;
+using ui::ReferencePicker;
+
+namespace {
+
+class PresenterView : public PresentationModel {
+protected:
+    void SetUp() override {
+        viewport = std::make_unique<Viewport>();
+        viewport->resize(800, 600);
+        viewport->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(viewport.get()));
+        QElapsedTimer timer;
+        timer.start();
+        while (!viewport->isReady() && timer.elapsed() < 20000) QTest::qWait(20);
+        ASSERT_TRUE(viewport->isReady());
+        presenter = std::make_unique<DocumentPresenter>(*viewport);
+        presenter->setDocument(&document);
+        picker = std::make_unique<ReferencePicker>(*viewport, *presenter);
+        picker->setDocument(&document);
+    }
+    void TearDown() override {
+        picker.reset();
+        presenter.reset();
+        viewport.reset();
+    }
+
+    const Handle(AIS_InteractiveContext) & context() const { return viewport->context(); }
+    // Where a model point shows in the widget.
+    QPointF project(double x, double y, double z) const {
+        int px = 0, py = 0;
+        viewport->view()->Convert(x, y, z, px, py);
+        const double ratio = viewport->devicePixelRatioF();
+        return QPointF(px / ratio, py / ratio);
+    }
+    // Fits the view and draws it, so the camera's depth range covers the scene too.
+    void settle(std::optional<V3d_TypeOfOrientation> orientation = std::nullopt) {
+        if (orientation) viewport->setStandardView(*orientation, false);
+        viewport->fitAll();
+        viewport->repaint();
+        QCoreApplication::processEvents();
+    }
+
+    // What plain selection finds under a widget point: (object, shape type) nearest first.
+    std::vector<std::pair<std::string, TopAbs_ShapeEnum>> plainPick(QPointF at) {
+        std::vector<std::pair<std::string, TopAbs_ShapeEnum>> out;
+        const Handle(StdSelect_ViewerSelector3d)& selector = context()->MainSelector();
+        selector->Pick(static_cast<int>(at.x()), static_cast<int>(at.y()), viewport->view());
+        for (int i = 1; i <= selector->NbPicked(); ++i) {
+            auto owner = Handle(StdSelect_BRepOwner)::DownCast(selector->Picked(i));
+            if (owner && owner->HasShape())
+                out.emplace_back(presenter->objectOf(selector->Picked(i)),
+                                 owner->Shape().ShapeType());
+        }
+        return out;
+    }
+    std::vector<int> activeModes(const std::string& id) {
+        TColStd_ListOfInteger modes;
+        context()->ActivatedModes(presenter->presentationOf(id), modes);
+        return std::vector<int>(modes.begin(), modes.end());
+    }
+
+    std::unique_ptr<Viewport> viewport;
+    std::unique_ptr<DocumentPresenter> presenter;
+    std::unique_ptr<ReferencePicker> picker;
+};
+
+} // namespace
+
+TEST_F(PresenterView, BodiesShowShadedAndPickByFace) {
+    ok("create_box", {{"width", 20.0}, {"depth", 20.0}, {"height", 20.0}});
+    presenter->setOriginVisible(false);
+    settle();
+    const QPointF top = project(6, 12, 20); // no hidden edge lies behind it
+    Handle(AIS_InteractiveObject) box = presenter->presentationOf("Box1");
+    ASSERT_FALSE(box.IsNull());
+    EXPECT_TRUE(context()->IsDisplayed(box));
+    EXPECT_EQ(presenter->objectOf(box), "Box1");
+    EXPECT_EQ(activeModes("Box1"), std::vector<int>{4});
+
+    const auto picked = plainPick(top);
+    ASSERT_FALSE(picked.empty());
+    EXPECT_EQ(picked.front(), std::pair(std::string("Box1"), TopAbs_FACE));
+
+    const Bnd_Box shown = presenter->shownBodiesBox();
+    ASSERT_FALSE(shown.IsVoid());
+    EXPECT_NEAR(shown.CornerMax().Z(), 20, 0.01);
+
+    // Hidden bodies are erased and leave the box; showing them again restores picking.
+    document.find("Box1")->visible = false;
+    presenter->refreshVisibility();
+    EXPECT_FALSE(context()->IsDisplayed(box));
+    EXPECT_TRUE(presenter->shownBodiesBox().IsVoid());
+    document.find("Box1")->visible = true;
+    presenter->refreshVisibility();
+    EXPECT_EQ(activeModes("Box1"), std::vector<int>{4});
+
+    // A body without a shape has nothing to show.
+    auto empty = std::make_unique<GeometryObject>();
+    empty->id = "Body7";
+    document.add(std::move(empty));
+    EXPECT_TRUE(presenter->presentationOf("Body7").IsNull());
+
+    // The look: bodies are shaded with a dark face boundary of width 1.2.
+    const Handle(Prs3d_Drawer)& drawer = box->Attributes();
+    EXPECT_TRUE(drawer->FaceBoundaryDraw());
+    EXPECT_NEAR(drawer->FaceBoundaryAspect()->Aspect()->Width(), 1.2, 1e-6);
+
+    // Look at it once: the top face is drawn much lighter than the background beside it.
+    presenter->setOriginVisible(true);
+    const QImage image = viewport->grabFramebuffer();
+    image.save("/tmp/korvel-presentation-box.png");
+    const QColor face = image.pixelColor(top.toPoint());
+    const QColor background = image.pixelColor(5, top.toPoint().y());
+    EXPECT_GT(face.lightness(), background.lightness() + 40);
+}
+
+TEST_F(PresenterView, EdgeFilterLeavesFacesToPickersOnly) {
+    ok("create_box", {{"width", 20.0}, {"depth", 20.0}, {"height", 20.0}});
+    presenter->setOriginVisible(false);
+    settle();
+    const QPointF top = project(6, 12, 20); // no hidden edge lies behind it
+    ASSERT_FALSE(plainPick(top).empty());
+    presenter->setSelectionFilter(false, true, false);
+    EXPECT_FALSE(presenter->facesSelectable());
+    EXPECT_TRUE(presenter->edgesSelectable());
+    EXPECT_EQ(activeModes("Box1"), std::vector<int>{2});
+    EXPECT_TRUE(plainPick(top).empty()) << "the middle of a face has no edge nearby";
+
+    // A picker asking for faces still gets them, and plain selection stays as it was.
+    picker->activate(ui::PickFace, [](const std::vector<std::string>&) {});
+    const std::vector<ui::PickCandidate> candidates = picker->candidatesAt(top);
+    ASSERT_FALSE(candidates.empty());
+    EXPECT_EQ(candidates.front().objectId, "Box1");
+    EXPECT_EQ(candidates.front().kind, ui::PickFace);
+    EXPECT_EQ(candidates.front().reference, "Box1/Box1.top");
+    EXPECT_TRUE(geometry::resolveReference(document, candidates.front().reference))
+        << candidates.front().reference;
+    for (std::size_t i = 1; i < candidates.size(); ++i)
+        EXPECT_LE(candidates[i - 1].depth, candidates[i].depth);
+    EXPECT_EQ(activeModes("Box1"), std::vector<int>{2});
+
+    presenter->setSelectionFilter(true, true, true);
+    EXPECT_EQ(activeModes("Box1").size(), 3u);
+}
+
+TEST_F(PresenterView, ChangesRedrawInPlaceAndRemovalsRemove) {
+    roundedOutline();
+    ok("extrude", {{"sketch", "Sketch1"}, {"distance", 5.0}});
+    presenter->setOriginVisible(false);
+    settle();
+    const Handle(AIS_InteractiveObject) body = presenter->presentationOf("Body1");
+    ASSERT_FALSE(body.IsNull());
+    EXPECT_NEAR(presenter->shownBodiesBox().CornerMax().Z(), 5, 0.01);
+
+    const QPointF top = project(20, 10, 5);
+    context()->MoveTo(static_cast<int>(top.x()), static_cast<int>(top.y()), viewport->view(),
+                      false);
+    context()->SelectDetected(AIS_SelectionScheme_Replace);
+    ASSERT_EQ(context()->NbSelected(), 1);
+    ok("edit_feature", {{"feature", "Extrude1"}, {"distance", 12.0}});
+    EXPECT_EQ(presenter->presentationOf("Body1"), body) << "redisplayed in place";
+    EXPECT_NEAR(presenter->shownBodiesBox().CornerMax().Z(), 12, 0.01);
+    EXPECT_EQ(context()->NbSelected(), 0) << "a changed selected object is deselected";
+    EXPECT_EQ(activeModes("Body1"), std::vector<int>{4});
+    // Picking follows the new shape: the end face is now at z = 12.
+    picker->activate(ui::PickFace, [](const std::vector<std::string>&) {});
+    const auto raised = picker->candidatesAt(project(20, 10, 12));
+    ASSERT_FALSE(raised.empty());
+    EXPECT_EQ(raised.front().reference, "Body1/Extrude1.end");
+
+    // The sketch shows as its parts; rolling the body's feature away removes it.
+    EXPECT_FALSE(presenter->presentationOf("Sketch1").IsNull());
+    ASSERT_TRUE(stack.undo()); // edit
+    ASSERT_TRUE(stack.undo()); // extrude: the body goes
+    EXPECT_TRUE(presenter->presentationOf("Body1").IsNull());
+    EXPECT_FALSE(context()->IsDisplayed(body));
+    EXPECT_TRUE(presenter->shownBodiesBox().IsVoid());
+
+    // Reset rebuilds from the document.
+    presenter->documentReset();
+    EXPECT_TRUE(presenter->presentationOf("Body1").IsNull());
+    EXPECT_TRUE(context()->IsDisplayed(presenter->presentationOf("Sketch1")));
+}
+
+TEST_F(PresenterView, RolledBackObjectsAreErasedAndComeBack) {
+    sketchWithRectangles({{0, 0, 10, 6}});
+    sketchWithRectangles({{0, 0, 4, 4}}, 5);
+    settle();
+    const Handle(AIS_InteractiveObject) first = presenter->presentationOf("Sketch1");
+    const Handle(AIS_InteractiveObject) second = presenter->presentationOf("Sketch2");
+    ASSERT_TRUE(context()->IsDisplayed(second));
+    document.setRollback("Sketch2", true);
+    EXPECT_TRUE(context()->IsDisplayed(first));
+    EXPECT_FALSE(context()->IsDisplayed(second));
+    document.setRollback("", true);
+    EXPECT_TRUE(context()->IsDisplayed(second));
+    EXPECT_EQ(activeModes("Sketch2"), std::vector<int>{2});
+}
+
+TEST_F(PresenterView, OriginItemsShowAndPick) {
+    presenter->setOriginVisible(true);
+    settle(V3d_Zpos);
+    picker->activate(ui::PickPlane | ui::PickAxis, [](const std::vector<std::string>&) {});
+    // Looking down on XY from above, a point off the axes finds the XY plane.
+    auto candidates = picker->candidatesAt(project(10, 20, 0));
+    ASSERT_FALSE(candidates.empty());
+    EXPECT_EQ(candidates.front().reference, "XY");
+    EXPECT_EQ(candidates.front().kind, ui::PickPlane);
+    EXPECT_EQ(ui::referenceLabel(document, "XY"), "XY plane");
+    // Seen from above the X axis lies along the edge of the XZ plane: only the axis
+    // is an axis.
+    picker->activate(ui::PickAxis, [](const std::vector<std::string>&) {});
+    candidates = picker->candidatesAt(project(20, 0, 0));
+    ASSERT_FALSE(candidates.empty());
+    EXPECT_EQ(candidates.front().reference, "X");
+    EXPECT_EQ(candidates.front().kind, ui::PickAxis);
+
+    presenter->setOriginVisible(false);
+    EXPECT_FALSE(presenter->originVisible());
+    EXPECT_TRUE(picker->candidatesAt(project(10, 20, 0)).empty());
+}
+
+TEST_F(PresenterView, PickerGroupsHintsAndShift) {
+    roundedOutline();
+    ok("extrude", {{"sketch", "Sketch1"}, {"distance", 5.0}});
+    presenter->setOriginVisible(false);
+    settle();
+
+    std::vector<std::vector<std::string>> picks;
+    picker->activate(ui::PickEdge,
+                     [&](const std::vector<std::string>& refs) { picks.push_back(refs); });
+    EXPECT_TRUE(picker->isActive());
+    EXPECT_EQ(viewport->tool(), picker.get());
+    QSignalSpy hints(picker.get(), &ReferencePicker::hintChanged);
+
+    // The middle of the top edge along Line1: a tangent chain of eight edges.
+    const QPointF edge = project(20, 0, 5);
+    const std::string top = "Body1/Edge(Extrude1.end, Extrude1.side.Line1)";
+    const auto candidates = picker->candidatesAt(edge);
+    ASSERT_FALSE(candidates.empty());
+    EXPECT_EQ(candidates.front().reference, top);
+    picker->mouseMove(edge, Qt::NoModifier);
+    EXPECT_EQ(picker->hintText().toStdString(), ui::referenceLabel(document, top).toStdString() +
+                                                    " and 7 more (Shift: just this one)");
+    EXPECT_EQ(hints.count(), 1);
+    // The whole group is drawn in the hover colour, over the body.
+    const QImage hovered = viewport->grabFramebuffer();
+    hovered.save("/tmp/korvel-presentation-hover.png");
+    for (const QPointF& at : {edge, project(40, 10, 5), project(5, 20, 5)}) {
+        const QColor c = hovered.pixelColor(at.toPoint());
+        EXPECT_GT(c.blue(), c.red() + 60) << at.x() << "," << at.y();
+    }
+
+    EXPECT_TRUE(picker->mousePress(edge, Qt::NoModifier));
+    EXPECT_TRUE(picker->mousePress(edge, Qt::ShiftModifier));
+    ASSERT_EQ(picks.size(), 2u);
+    EXPECT_EQ(picks[0].size(), 8u);
+    EXPECT_EQ(picks[0].front(), top);
+    EXPECT_EQ(picks[1], std::vector<std::string>{top});
+
+    // Over nothing a press is not the picker's, and moving there clears the hint.
+    const QPointF empty(5, viewport->height() - 5);
+    EXPECT_FALSE(picker->mousePress(empty, Qt::NoModifier));
+    EXPECT_EQ(picks.size(), 2u);
+    picker->mouseMove(edge, Qt::NoModifier);
+    picker->leave();
+    EXPECT_TRUE(picker->hintText().isEmpty());
+
+    // Deleting the body while it is hovered: the next move finds nothing.
+    picker->mouseMove(edge, Qt::NoModifier);
+    ASSERT_FALSE(picker->hintText().isEmpty());
+    ASSERT_TRUE(stack.undo());
+    picker->mouseMove(edge, Qt::NoModifier);
+    EXPECT_TRUE(picker->hintText().isEmpty());
+
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    EXPECT_TRUE(picker->keyPress(&escape));
+    EXPECT_FALSE(picker->isActive());
+    EXPECT_NE(viewport->tool(), picker.get());
+    EXPECT_FALSE(picker->mousePress(edge, Qt::NoModifier));
+}
+
+TEST_F(PresenterView, PickerFindsSketchEntitiesAndRegions) {
+    const std::string sketch = roundedOutline();
+    presenter->setOriginVisible(false);
+    settle(V3d_Zpos);
+
+    std::vector<std::string> picked;
+    picker->activate(ui::PickSketchEntity,
+                     [&](const std::vector<std::string>& refs) { picked = refs; });
+    const QPointF line = project(20, 20, 0);
+    auto candidates = picker->candidatesAt(line);
+    ASSERT_FALSE(candidates.empty());
+    EXPECT_EQ(candidates.front().reference, sketch + "/Line3");
+    EXPECT_EQ(candidates.front().kind, ui::PickSketchEntity);
+    picker->mousePress(line, Qt::NoModifier);
+    EXPECT_EQ(picked.size(), 8u);
+
+    // Regions are pickable only by pickers that ask for them.
+    EXPECT_TRUE(picker->candidatesAt(project(20, 10, 0)).empty());
+    picker->activate(ui::PickRegion, [](const std::vector<std::string>&) {});
+    candidates = picker->candidatesAt(project(20, 10, 0));
+    ASSERT_EQ(candidates.size(), 1u);
+    EXPECT_EQ(candidates.front().kind, ui::PickRegion);
+    EXPECT_TRUE(candidates.front().reference.starts_with(sketch + "/Region("));
+    EXPECT_TRUE(geometry::resolveReference(document, candidates.front().reference));
+}
+
+} // namespace cad::testing

@@ -1,0 +1,343 @@
+// Follows the document and keeps the view's presentations in step with it: one
+// shaded, outlined shape per body, four parts per sketch, and the origin.
+#include "ui/presentation/DocumentPresenter.h"
+
+#include "core/Document.h"
+#include "core/GeometryObject.h"
+#include "rendering/Viewport.h"
+#include "sketch/SketchObject.h"
+#include "ui/presentation/OriginPresentation.h"
+#include "ui/presentation/SketchPresentation.h"
+#include "ui/presentation/Tessellation.h"
+
+#include <AIS_ColoredShape.hxx>
+#include <AIS_DisplayMode.hxx>
+#include <BRepBndLib.hxx>
+#include <Prs3d_Drawer.hxx>
+#include <Prs3d_LineAspect.hxx>
+#include <TColStd_ListOfInteger.hxx>
+
+#include <algorithm>
+
+namespace cad::ui {
+
+namespace {
+
+Quantity_Color srgb(double r, double g, double b) {
+    return Quantity_Color(r, g, b, Quantity_TOC_sRGB);
+}
+
+constexpr int kVertexMode = 1;
+constexpr int kEdgeMode = 2;
+constexpr int kFaceMode = 4;
+// The origin planes' width in millimetres.
+constexpr double kOriginSize = 60.0;
+
+Handle(AIS_ColoredShape) makeBodyPresentation(const TopoDS_Shape& shape) {
+    Handle(AIS_ColoredShape) body = new AIS_ColoredShape(shape);
+    body->SetMaterial(Graphic3d_NameOfMaterial_Plastified);
+    // A light blue-grey until bodies carry their own appearance.
+    body->SetColor(srgb(0.64, 0.68, 0.74));
+    const Handle(Prs3d_Drawer)& drawer = body->Attributes();
+    drawer->SetFaceBoundaryDraw(true);
+    drawer->SetFaceBoundaryAspect(
+        new Prs3d_LineAspect(srgb(0.12, 0.10, 0.09), Aspect_TOL_SOLID, 1.2));
+    applyTessellation(shape, drawer);
+    body->SetDisplayMode(AIS_Shaded);
+    return body;
+}
+
+} // namespace
+
+struct DocumentPresenter::Impl {
+    enum class Kind { Body, Sketch };
+    struct Entry {
+        Kind kind = Kind::Body;
+        std::vector<Handle(AIS_InteractiveObject)> parts;
+    };
+
+    explicit Impl(rendering::Viewport& v) : viewport(v) {}
+
+    // The view's context exists from the start; presentations shown before the view
+    // binds to OpenGL are drawn with its first frame.
+    Handle(AIS_InteractiveContext) context() const { return viewport.context(); }
+    void redraw() { viewport.requestRedraw(); }
+
+    bool shouldShow(const DocumentObject& object) const {
+        return document && object.visible && !document->isRolledBack(object);
+    }
+
+    // Displays a part (if not shown) with its display mode and selection modes.
+    void show(const Handle(AIS_InteractiveContext) & ctx, Kind kind,
+              const Handle(AIS_InteractiveObject) & part) {
+        // Shown with a real selection mode: an object first displayed as unselectable
+        // stays unpickable whatever is activated later.
+        if (!ctx->IsDisplayed(part)) {
+            auto sketchPart = Handle(SketchPartPresentation)::DownCast(part);
+            ctx->Display(part, part->DisplayMode(),
+                         sketchPart ? sketchPart->selectionMode() : kFaceMode, false);
+        }
+        applySelectionModes(ctx, kind, part);
+    }
+    void applySelectionModes(const Handle(AIS_InteractiveContext) & ctx, Kind kind,
+                             const Handle(AIS_InteractiveObject) & part) const {
+        if (kind == Kind::Sketch) {
+            auto sketchPart = Handle(SketchPartPresentation)::DownCast(part);
+            if (!sketchPart) return;
+            // Regions are for pickers only; they turn on while a picker looks.
+            if (sketchPart->part() == SketchPartPresentation::Part::Regions)
+                ctx->Deactivate(part, sketchPart->selectionMode());
+            else
+                ctx->Activate(part, sketchPart->selectionMode());
+            return;
+        }
+        for (auto [mode, on] : {std::pair{kVertexMode, vertices}, std::pair{kEdgeMode, edges},
+                                std::pair{kFaceMode, faces}}) {
+            if (on)
+                ctx->Activate(part, mode);
+            else
+                ctx->Deactivate(part, mode);
+        }
+    }
+
+    void clearSelectionOf(const Handle(AIS_InteractiveContext) & ctx, const Entry& entry) {
+        for (ctx->InitSelected(); ctx->MoreSelected(); ctx->NextSelected()) {
+            const Handle(AIS_InteractiveObject) selected = ctx->SelectedInteractive();
+            if (std::find(entry.parts.begin(), entry.parts.end(), selected) != entry.parts.end()) {
+                ctx->ClearSelected(false);
+                return;
+            }
+        }
+    }
+
+    void forget(const std::string& id) {
+        auto it = presentations.find(id);
+        if (it == presentations.end()) return;
+        const Handle(AIS_InteractiveContext) ctx = context();
+        for (const Handle(AIS_InteractiveObject) & part : it->second.parts) {
+            owners.erase(part.get());
+            if (ctx) ctx->Remove(part, false);
+        }
+        presentations.erase(it);
+    }
+
+    // Builds or updates the presentation of a body or sketch; true when it has one.
+    bool build(DocumentObject& object) {
+        const Handle(AIS_InteractiveContext) ctx = context();
+        if (auto* body = dynamic_cast<GeometryObject*>(&object)) {
+            if (body->shape.isNull()) {
+                forget(object.id);
+                return false;
+            }
+            auto it = presentations.find(object.id);
+            if (it == presentations.end()) {
+                Entry entry{Kind::Body, {makeBodyPresentation(body->shape.shape())}};
+                owners[entry.parts.front().get()] = object.id;
+                presentations.emplace(object.id, std::move(entry));
+                return true;
+            }
+            auto shape = Handle(AIS_ColoredShape)::DownCast(it->second.parts.front());
+            // A change that left the shape alone (visibility, label) redraws nothing.
+            if (shape->Shape().IsEqual(body->shape.shape())) return true;
+            if (ctx) clearSelectionOf(ctx, it->second);
+            shape->SetShape(body->shape.shape());
+            applyTessellation(body->shape.shape(), shape->Attributes());
+            recompute(ctx, shape);
+            return true;
+        }
+        if (auto* sketch = dynamic_cast<SketchObject*>(&object)) {
+            auto it = presentations.find(object.id);
+            if (it == presentations.end()) {
+                Entry entry{Kind::Sketch, {}};
+                for (const Handle(SketchPartPresentation) & part : makeSketchParts(*sketch)) {
+                    owners[part.get()] = object.id;
+                    entry.parts.push_back(part);
+                }
+                presentations.emplace(object.id, std::move(entry));
+                return true;
+            }
+            if (ctx) clearSelectionOf(ctx, it->second);
+            for (const Handle(AIS_InteractiveObject) & part : it->second.parts) {
+                Handle(SketchPartPresentation)::DownCast(part)->rebuild(*sketch);
+                recompute(ctx, part);
+            }
+            return true;
+        }
+        return false;
+    }
+
+    // A changed presentation is drawn again in place; only its picking is rebuilt.
+    static void recompute(const Handle(AIS_InteractiveContext) & ctx,
+                          const Handle(AIS_InteractiveObject) & part) {
+        if (!ctx || !ctx->IsDisplayed(part)) {
+            // Not shown: drop the stale drawing so the next display computes it afresh.
+            if (ctx) ctx->Remove(part, false);
+            return;
+        }
+        // Picking is switched off around the recompute: the selector counts each mode's
+        // pixel tolerance on activation and must take back the same one it counted.
+        TColStd_ListOfInteger modes;
+        ctx->ActivatedModes(part, modes);
+        ctx->Deactivate(part);
+        ctx->Redisplay(part, false);
+        ctx->RecomputeSelectionOnly(part);
+        for (int mode : modes) ctx->Activate(part, mode);
+    }
+
+    void refreshVisibility() {
+        const Handle(AIS_InteractiveContext) ctx = context();
+        if (!ctx || !document) return;
+        for (auto& [id, entry] : presentations) {
+            const DocumentObject* object = document->find(id);
+            const bool visible = object && shouldShow(*object);
+            for (const Handle(AIS_InteractiveObject) & part : entry.parts) {
+                if (visible)
+                    show(ctx, entry.kind, part);
+                else if (ctx->IsDisplayed(part))
+                    ctx->Erase(part, false);
+            }
+        }
+        refreshOrigin(ctx);
+        redraw();
+    }
+
+    void refreshOrigin(const Handle(AIS_InteractiveContext) & ctx) {
+        for (const OriginItem& item : origin) {
+            if (!originVisible) {
+                if (ctx->IsDisplayed(item.presentation)) ctx->Erase(item.presentation, false);
+            } else if (!ctx->IsDisplayed(item.presentation)) {
+                ctx->Display(item.presentation, item.presentation->DisplayMode(), 0, false);
+            }
+        }
+    }
+
+    void removeAll() {
+        while (!presentations.empty()) forget(presentations.begin()->first);
+    }
+
+    void rebuildAll() {
+        removeAll();
+        if (document)
+            for (const auto& object : document->objects()) build(*object);
+        refreshVisibility();
+    }
+
+    rendering::Viewport& viewport;
+    Document* document = nullptr;
+    std::map<std::string, Entry> presentations;
+    std::map<const Standard_Transient*, std::string> owners; // part -> object ID
+    std::vector<OriginItem> origin;
+    bool originVisible = true;
+    bool faces = true, edges = false, vertices = false;
+};
+
+DocumentPresenter::DocumentPresenter(rendering::Viewport& viewport)
+    : impl_(std::make_unique<Impl>(viewport)) {
+    impl_->origin = makeOriginItems(kOriginSize);
+    if (const Handle(AIS_InteractiveContext) ctx = impl_->context()) impl_->refreshOrigin(ctx);
+}
+
+DocumentPresenter::~DocumentPresenter() {
+    if (impl_->document) impl_->document->removeObserver(this);
+    impl_->removeAll();
+    if (const Handle(AIS_InteractiveContext) ctx = impl_->context())
+        for (const OriginItem& item : impl_->origin) ctx->Remove(item.presentation, false);
+}
+
+void DocumentPresenter::setDocument(Document* document) {
+    if (impl_->document) impl_->document->removeObserver(this);
+    impl_->document = document;
+    if (document) document->addObserver(this);
+    documentReset();
+}
+
+void DocumentPresenter::documentReset() { impl_->rebuildAll(); }
+
+void DocumentPresenter::objectAdded(DocumentObject& object) {
+    if (impl_->build(object)) refreshVisibility();
+}
+
+void DocumentPresenter::objectRemoved(DocumentObject& object) {
+    if (!impl_->presentations.contains(object.id)) return;
+    impl_->forget(object.id);
+    impl_->redraw();
+}
+
+void DocumentPresenter::objectChanged(DocumentObject& object) {
+    const bool had = impl_->presentations.contains(object.id);
+    if (impl_->build(object) || had) refreshVisibility();
+}
+
+void DocumentPresenter::documentChanged() { refreshVisibility(); }
+
+void DocumentPresenter::refreshVisibility() { impl_->refreshVisibility(); }
+
+void DocumentPresenter::setSelectionFilter(bool faces, bool edges, bool vertices) {
+    impl_->faces = faces;
+    impl_->edges = edges;
+    impl_->vertices = vertices;
+    const Handle(AIS_InteractiveContext) ctx = impl_->context();
+    if (!ctx) return;
+    for (const auto& [id, entry] : impl_->presentations)
+        if (entry.kind == Impl::Kind::Body)
+            for (const Handle(AIS_InteractiveObject) & part : entry.parts)
+                if (ctx->IsDisplayed(part)) impl_->applySelectionModes(ctx, entry.kind, part);
+}
+
+bool DocumentPresenter::facesSelectable() const { return impl_->faces; }
+bool DocumentPresenter::edgesSelectable() const { return impl_->edges; }
+bool DocumentPresenter::verticesSelectable() const { return impl_->vertices; }
+
+void DocumentPresenter::setOriginVisible(bool visible) {
+    impl_->originVisible = visible;
+    if (const Handle(AIS_InteractiveContext) ctx = impl_->context()) {
+        impl_->refreshOrigin(ctx);
+        impl_->redraw();
+    }
+}
+
+bool DocumentPresenter::originVisible() const { return impl_->originVisible; }
+
+Handle(AIS_InteractiveObject) DocumentPresenter::presentationOf(const std::string& id) const {
+    auto it = impl_->presentations.find(id);
+    if (it == impl_->presentations.end()) return {};
+    if (it->second.kind == Impl::Kind::Sketch)
+        for (const Handle(AIS_InteractiveObject) & part : it->second.parts)
+            if (Handle(SketchPartPresentation)::DownCast(part)->part() ==
+                SketchPartPresentation::Part::Curves)
+                return part;
+    return it->second.parts.front();
+}
+
+std::string DocumentPresenter::objectOf(const Handle(SelectMgr_EntityOwner) & owner) const {
+    if (owner.IsNull()) return {};
+    return objectOf(Handle(AIS_InteractiveObject)::DownCast(owner->Selectable()));
+}
+
+std::string DocumentPresenter::objectOf(const Handle(AIS_InteractiveObject) & presentation) const {
+    auto it = impl_->owners.find(presentation.get());
+    return it == impl_->owners.end() ? std::string() : it->second;
+}
+
+std::string DocumentPresenter::originItemOf(const Handle(AIS_InteractiveObject) &
+                                            presentation) const {
+    for (const OriginItem& item : impl_->origin)
+        if (item.presentation == presentation) return item.name;
+    return {};
+}
+
+Bnd_Box DocumentPresenter::shownBodiesBox() const {
+    Bnd_Box box;
+    const Handle(AIS_InteractiveContext) ctx = impl_->context();
+    for (const auto& [id, entry] : impl_->presentations) {
+        if (entry.kind != Impl::Kind::Body) continue;
+        const auto shape = Handle(AIS_Shape)::DownCast(entry.parts.front());
+        const bool shown = ctx ? ctx->IsDisplayed(shape)
+                               : impl_->document && impl_->document->find(id) &&
+                                     impl_->shouldShow(*impl_->document->find(id));
+        if (shown) BRepBndLib::Add(shape->Shape(), box, true);
+    }
+    return box;
+}
+
+} // namespace cad::ui

@@ -1,0 +1,73 @@
+// Keeps one OpenCASCADE presentation per visible document object in the 3D view,
+// following the document through its observer: bodies shaded with their face
+// boundaries, sketches as wires and points, the origin's planes and axes.
+#pragma once
+
+#include "core/DocumentObserver.h"
+
+#include <AIS_InteractiveObject.hxx>
+#include <Bnd_Box.hxx>
+#include <SelectMgr_EntityOwner.hxx>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace cad {
+class Document;
+}
+namespace cad::rendering {
+class Viewport;
+}
+
+namespace cad::ui {
+
+// Chordal deviation in millimetres for a body of this size: tied to the bounding
+// box's diagonal so big bodies stay light and small ones smooth.
+double tessellationDeviation(const Bnd_Box& box);
+
+class DocumentPresenter : public DocumentObserver {
+public:
+    explicit DocumentPresenter(rendering::Viewport& viewport);
+    ~DocumentPresenter() override;
+    DocumentPresenter(const DocumentPresenter&) = delete;
+    DocumentPresenter& operator=(const DocumentPresenter&) = delete;
+
+    // Observes this document (none with null) and rebuilds every presentation.
+    void setDocument(Document* document);
+    // Removes everything and rebuilds from the document.
+    void documentReset();
+
+    void objectAdded(DocumentObject& object) override;
+    void objectRemoved(DocumentObject& object) override;
+    void objectChanged(DocumentObject& object) override;
+    void documentChanged() override;
+
+    // Shows what is visible, not rolled back and not hidden; erases the rest.
+    void refreshVisibility();
+    // Which kinds of a body plain selection picks; re-applied to every body.
+    void setSelectionFilter(bool faces, bool edges, bool vertices);
+    bool facesSelectable() const;
+    bool edgesSelectable() const;
+    bool verticesSelectable() const;
+    // The origin's three planes and axes.
+    void setOriginVisible(bool visible);
+    bool originVisible() const;
+
+    // Lookups both ways; empty handle or string when there is none.
+    Handle(AIS_InteractiveObject) presentationOf(const std::string& id) const;
+    std::string objectOf(const Handle(SelectMgr_EntityOwner) & owner) const;
+    std::string objectOf(const Handle(AIS_InteractiveObject) & presentation) const;
+    // The origin item ("XY", "X", "Origin", ...) a presentation shows; empty otherwise.
+    std::string originItemOf(const Handle(AIS_InteractiveObject) & presentation) const;
+
+    // The bounding box of every shown body (void when none).
+    Bnd_Box shownBodiesBox() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+} // namespace cad::ui
