@@ -27,7 +27,7 @@ CommandResult guardedExecute(Command& command, Document& document) {
 
 } // namespace
 
-void CommandStack::emit(CommandEvent::Kind kind, const CommandRecord& record,
+void CommandStack::announce(CommandEvent::Kind kind, const CommandRecord& record,
                         const std::string& message) {
     CommandEvent event{kind, record, message};
     for (const Listener& listener : listeners_) listener(event);
@@ -38,7 +38,7 @@ CommandResult CommandStack::execute(const CommandRecord& record) {
     CommandRecord canonical = registry_.canonicalize(record, document_);
     Result<std::unique_ptr<Command>> command = registry_.create(canonical);
     if (!command) {
-        emit(CommandEvent::Failed, canonical, command.error());
+        announce(CommandEvent::Failed, canonical, command.error());
         return CommandResult::failure(command.error());
     }
     return execute(std::move(command).value());
@@ -49,7 +49,7 @@ CommandResult CommandStack::execute(std::unique_ptr<Command> command) {
     auto context = expressionContext(document_);
     CommandResult result = guardedExecute(*command, document_);
     if (!result.ok) {
-        emit(CommandEvent::Failed, command->record(), result.message);
+        announce(CommandEvent::Failed, command->record(), result.message);
         return result;
     }
     CommandRecord record = command->record();
@@ -67,7 +67,7 @@ CommandResult CommandStack::execute(std::unique_ptr<Command> command) {
         step.records.push_back(record);
         step.sequence = nextSequence_++;
     }
-    emit(CommandEvent::Executed, record, result.message);
+    announce(CommandEvent::Executed, record, result.message);
     return result;
 }
 
@@ -81,7 +81,7 @@ bool CommandStack::undo() {
     std::vector<CommandRecord> records = step.records;
     redoStack_.push_back(std::move(step));
     for (auto it = records.rbegin(); it != records.rend(); ++it)
-        emit(CommandEvent::Undone, *it, {});
+        announce(CommandEvent::Undone, *it, {});
     return true;
 }
 
@@ -94,7 +94,7 @@ CommandResult CommandStack::redo() {
         if (result.ok) continue;
         // Put the document back as it was before the redo; the step stays redoable.
         for (std::size_t j = i; j-- > 0;) step.commands[j]->undo(document_);
-        emit(CommandEvent::Failed, step.records[i], result.message);
+        announce(CommandEvent::Failed, step.records[i], result.message);
         return result;
     }
     Step done = std::move(step);
@@ -102,7 +102,7 @@ CommandResult CommandStack::redo() {
     groupOpen_ = false;
     std::vector<CommandRecord> records = done.records;
     undoStack_.push_back(std::move(done));
-    for (const CommandRecord& record : records) emit(CommandEvent::Redone, record, {});
+    for (const CommandRecord& record : records) announce(CommandEvent::Redone, record, {});
     return CommandResult::success();
 }
 

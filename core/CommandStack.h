@@ -57,7 +57,7 @@ private:
         std::uint64_t sequence = 0;
     };
 
-    void emit(CommandEvent::Kind kind, const CommandRecord& record, const std::string& message);
+    void announce(CommandEvent::Kind kind, const CommandRecord& record, const std::string& message);
 
     Document& document_;
     const CommandRegistry& registry_;

@@ -1,0 +1,189 @@
+// The application's one top-level window: it owns the document and the command
+// machinery, the 3D view with its presenter, the actions, menus and top bar, the
+// overlays over the view, the file operations and the agents' way in.
+#pragma once
+
+// moc needs none of the model's headers (and cannot parse C++20 concepts).
+#ifndef Q_MOC_RUN
+#include "core/Command.h"
+#include "core/CommandRegistry.h"
+#include "core/CommandStack.h"
+#include "core/Document.h"
+#include "core/Result.h"
+#endif
+#include "ui/WindowPrompt.h"
+
+#include <QMainWindow>
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QAction;
+class QFrame;
+class QLabel;
+class QMenu;
+class QToolButton;
+
+namespace cad::rendering {
+class Viewport;
+}
+
+namespace cad::ui {
+
+class CommandLog;
+class DocumentPresenter;
+class McpBridge;
+class MainWindowMcpHost;
+class OverlayPanel;
+class ReferencePicker;
+class Sidebar;
+class ToolStrip;
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    // ---- The model and its views.
+    Document& document() { return document_; }
+    CommandStack& commandStack() { return stack_; }
+    CommandRegistry& registry() { return registry_; }
+    rendering::Viewport& viewport() { return *viewport_; }
+    DocumentPresenter& presenter() { return *presenter_; }
+    ReferencePicker& picker() { return *picker_; }
+
+    // Runs one change through the command stack; failures show as a toast.
+    CommandResult runCommand(const CommandRecord& record);
+
+    // ---- Files. Modified exactly while the history stands elsewhere than at the last save.
+    QString documentPath() const { return documentPath_; }
+    bool isModified() const;
+    // Reads the project and replaces the document; "path: reason" on failure, the
+    // document untouched.
+    Result<void> openProject(const QString& path);
+    // Writes the project there, records the saved position and makes it the current file.
+    Result<void> saveProject(const QString& path);
+    // A fresh document without asking.
+    void newDocument();
+    // Asks to save unsaved changes: false when the user cancelled (or the save failed).
+    bool maybeSave();
+    // The recent-projects list, newest first.
+    QStringList recentFiles() const;
+    void addRecentFile(const QString& path);
+
+    // ---- Feedback.
+    void showToast(const QString& text);
+    CommandLog& commandLog() { return *commandLog_; }
+    QLabel& toastLabel() { return *toast_; }
+
+    void setPrompt(std::unique_ptr<WindowPrompt> prompt);
+    WindowPrompt& prompt() { return *prompt_; }
+
+    // Null when the agent interface is off (KORVEL_MCP is "0") or the window closed.
+    McpBridge* mcpBridge() const { return bridge_.get(); }
+
+    // ---- User actions, also reachable for tests and the agents' host.
+    void newFromUser();
+    void openFromUser();
+    bool save();
+    bool saveAs();
+    void openRecent(const QString& path);
+    void addBox();
+    // Deletes what is selected in the view: whole objects, or a toast for faces,
+    // edges and vertices, which can't go on their own.
+    void deleteSelection();
+    // Deletes the objects, asking first when objects outside the list use them.
+    void deleteObjects(const std::vector<std::string>& ids);
+    void clearSelection();
+    // The whole window as a PNG in the data folder's "screenshots"; the file or empty.
+    QString captureWindow();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    // Construction, in this order (MainWindow.cpp and its companions).
+    void buildActions();
+    QMenu* buildMenu();
+    void buildViewCubeControls();
+    QWidget* buildTopBar();
+    void buildSidebar();
+    void buildOverlays();
+    void startAgents();
+
+    // State shown after every change.
+    void onCommandEvent(const CommandEvent& event);
+    void updateWindowTitle();
+    void updateUndoRedo();
+    void refreshUnits();
+    void afterDocumentReplaced();
+    void layoutOverlays();
+    void layoutCubeControls();
+    void writeRecentFiles(const QStringList& files);
+    bool handleDrop(QEvent* event);
+
+    Document document_;
+    CommandRegistry registry_;
+    CommandStack stack_;
+    std::uint64_t savedPosition_ = 0;
+    // Whether the view showed a body after the last command: the first body to
+    // appear, whoever made it, is fitted into view.
+    bool viewHadBodies_ = false;
+    QString documentPath_;
+    std::unique_ptr<WindowPrompt> prompt_;
+
+    rendering::Viewport* viewport_ = nullptr;
+    std::unique_ptr<DocumentPresenter> presenter_;
+    std::unique_ptr<ReferencePicker> picker_;
+
+    struct Actions {
+        QAction* undo = nullptr;
+        QAction* redo = nullptr;
+        QAction* box = nullptr;
+        QAction* remove = nullptr;
+        QAction* fit = nullptr;
+        QAction* clearSelection = nullptr;
+        QAction* faces = nullptr;
+        QAction* edges = nullptr;
+        QAction* vertices = nullptr;
+        QAction* origin = nullptr;
+        QAction* commandLog = nullptr;
+        QAction* newDocument = nullptr;
+        QAction* open = nullptr;
+        QAction* save = nullptr;
+        QAction* saveAs = nullptr;
+        QAction* homeView = nullptr;
+        QAction* front = nullptr;
+        QAction* top = nullptr;
+        QAction* right = nullptr;
+        QAction* isometric = nullptr;
+        QAction* capture = nullptr;
+        QAction* crashReports = nullptr;
+        QAction* design = nullptr;
+    } actions_;
+
+    QMenu* recentMenu_ = nullptr;
+    QList<QToolButton*> cubeControls_;
+    QLabel* documentLabel_ = nullptr;
+    QToolButton* saveButton_ = nullptr;
+    QToolButton* unitButton_ = nullptr;
+    ToolStrip* modelingTools_ = nullptr;
+    Sidebar* sidebar_ = nullptr;
+
+    CommandLog* commandLog_ = nullptr;
+    OverlayPanel* commandLogPanel_ = nullptr;
+    QLabel* hud_ = nullptr;
+    QLabel* hint_ = nullptr;
+    QLabel* toast_ = nullptr;
+
+    // Last: the agents go before the document they drive.
+    std::unique_ptr<MainWindowMcpHost> host_;
+    std::unique_ptr<McpBridge> bridge_;
+};
+
+} // namespace cad::ui

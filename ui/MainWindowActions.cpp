@@ -1,0 +1,519 @@
+// The main window's actions and where they live: the menu, the top bar with its
+// tool strip, units and selection filter, the sidebar and the buttons around the
+// view cube; and the actions that run commands straight away (Box, Delete).
+#include "ui/MainWindow.h"
+
+#include "core/GeometryObject.h"
+#include "core/units/Length.h"
+#include "rendering/Viewport.h"
+#include "ui/DataPaths.h"
+#include "ui/presentation/DocumentPresenter.h"
+#include "ui/widgets/Icons.h"
+#include "ui/widgets/RecentFiles.h"
+#include "ui/widgets/Sidebar.h"
+#include "ui/widgets/ToolGroup.h"
+#include "ui/widgets/ToolStrip.h"
+#include "ui/widgets/WindowTexts.h"
+
+#include <BRepBndLib.hxx>
+#include <Bnd_Box.hxx>
+#include <StdSelect_BRepOwner.hxx>
+
+#include <QAction>
+#include <QActionGroup>
+#include <QButtonGroup>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QKeySequence>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QSettings>
+#include <QToolButton>
+#include <QUrl>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
+namespace cad::ui {
+
+namespace {
+
+// The documentation site; the tutorials live at a fixed path below it.
+constexpr const char* kDocumentationSite = "https://docs.korvelstudio.com";
+
+QAction* makeAction(QWidget* owner, const QString& iconName, const QString& label,
+                    const QString& objectName, const QString& description = {}) {
+    auto* action = new QAction(label, owner);
+    if (!iconName.isEmpty()) action->setIcon(icon(iconName));
+    action->setObjectName(objectName);
+    action->setToolTip(actionTooltip(label, {}, description));
+    // Added to the window so that its shortcut works wherever the focus is.
+    owner->addAction(action);
+    return action;
+}
+
+void setShortcuts(QAction* action, const QList<QKeySequence>& keys, const QString& shown,
+                  const QString& description = {}) {
+    action->setShortcuts(keys);
+    const QString label = action->text();
+    action->setToolTip(actionTooltip(label, shown, description));
+}
+
+QString wordmarkText() {
+    return QStringLiteral(
+               "<span style='color:#f1eee6;font-weight:800;font-size:11pt;letter-spacing:1px'>"
+               "KORVEL</span><span style='color:#d08045;font-weight:700;font-size:8pt;"
+               "letter-spacing:3px'>%1</span>%2")
+        .arg(QStringLiteral("&nbsp;&nbsp;STUDIO"), QString());
+}
+
+} // namespace
+
+void MainWindow::buildActions() {
+    Actions& a = actions_;
+    a.undo =
+        makeAction(this, QStringLiteral("undo"), QStringLiteral("Undo"), QStringLiteral("undo"));
+    a.undo->setShortcuts(QKeySequence::Undo);
+    connect(a.undo, &QAction::triggered, this, [this] { stack_.undo(); });
+
+    a.redo =
+        makeAction(this, QStringLiteral("redo"), QStringLiteral("Redo"), QStringLiteral("redo"));
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    if (!redoKeys.contains(QKeySequence(QStringLiteral("Ctrl+Shift+Z"))))
+        redoKeys.append(QKeySequence(QStringLiteral("Ctrl+Shift+Z")));
+    a.redo->setShortcuts(redoKeys);
+    connect(a.redo, &QAction::triggered, this, [this] { stack_.redo(); });
+
+    a.box = makeAction(this, QStringLiteral("box"), QStringLiteral("Box"), QStringLiteral("box"));
+    connect(a.box, &QAction::triggered, this, &MainWindow::addBox);
+
+    a.remove = makeAction(this, QStringLiteral("trash"), QStringLiteral("Delete"),
+                          QStringLiteral("delete"));
+    setShortcuts(a.remove, QKeySequence::keyBindings(QKeySequence::Delete), QStringLiteral("Del"));
+    connect(a.remove, &QAction::triggered, this, &MainWindow::deleteSelection);
+
+    a.fit = makeAction(this, QStringLiteral("fit"), QStringLiteral("Fit"), QStringLiteral("fit"));
+    setShortcuts(a.fit, {QKeySequence(Qt::Key_F), QKeySequence(Qt::Key_Home)}, QStringLiteral("F"),
+                 QStringLiteral("Fit to view"));
+    connect(a.fit, &QAction::triggered, this, [this] { viewport_->fitAllAnimated(); });
+
+    a.clearSelection = makeAction(this, QStringLiteral("menu"), QStringLiteral("Clear Selection"),
+                                  QStringLiteral("clearSelection"));
+    setShortcuts(a.clearSelection, {QKeySequence(Qt::Key_Escape)}, QStringLiteral("Esc"));
+    a.clearSelection->setIcon(QIcon());
+    connect(a.clearSelection, &QAction::triggered, this, &MainWindow::clearSelection);
+
+    // The selection filter: what a plain click in the view picks on a body.
+    const std::array<std::pair<QAction**, QString>, 3> filters{
+        {{&a.faces, QStringLiteral("Faces")},
+         {&a.edges, QStringLiteral("Edges")},
+         {&a.vertices, QStringLiteral("Vertices")}}};
+    const std::array<QString, 3> filterIcons{QStringLiteral("face"), QStringLiteral("edge"),
+                                             QStringLiteral("vertex")};
+    const std::array<bool, 3> filterState{presenter_->facesSelectable(),
+                                          presenter_->edgesSelectable(),
+                                          presenter_->verticesSelectable()};
+    for (std::size_t i = 0; i < filters.size(); ++i) {
+        const QString& label = filters[i].second;
+        QAction* action = makeAction(this, filterIcons[i], label, label.toLower() + "Filter",
+                                     QStringLiteral("Select %1").arg(label.toLower()));
+        action->setCheckable(true);
+        action->setChecked(filterState[i]);
+        *filters[i].first = action;
+    }
+    for (QAction* action : {a.faces, a.edges, a.vertices})
+        connect(action, &QAction::toggled, this, [this] {
+            presenter_->setSelectionFilter(actions_.faces->isChecked(), actions_.edges->isChecked(),
+                                           actions_.vertices->isChecked());
+        });
+
+    a.origin = makeAction(this, QStringLiteral("origin"), QStringLiteral("Origin"),
+                          QStringLiteral("showOrigin"));
+    a.origin->setCheckable(true);
+    a.origin->setChecked(QSettings().value(QStringLiteral("view/origin"), true).toBool());
+    connect(a.origin, &QAction::toggled, this, [this](bool shown) {
+        presenter_->setOriginVisible(shown);
+        viewport_->requestRedraw();
+        QSettings().setValue(QStringLiteral("view/origin"), shown);
+    });
+
+    a.commandLog = makeAction(this, QStringLiteral("terminal"), QStringLiteral("Command Log"),
+                              QStringLiteral("commandLogToggle"));
+    setShortcuts(a.commandLog, {QKeySequence(QStringLiteral("Ctrl+L"))}, QStringLiteral("Ctrl+L"),
+                 QStringLiteral("Command log"));
+    a.commandLog->setCheckable(true);
+
+    a.newDocument = makeAction(this, {}, QStringLiteral("New"), QStringLiteral("newDocument"));
+    a.newDocument->setShortcuts(QKeySequence::New);
+    connect(a.newDocument, &QAction::triggered, this, &MainWindow::newFromUser);
+
+    a.open = makeAction(this, {}, QStringLiteral("Open…"), QStringLiteral("openProject"));
+    a.open->setShortcuts(QKeySequence::Open);
+    connect(a.open, &QAction::triggered, this, &MainWindow::openFromUser);
+
+    a.save = makeAction(this, {}, QStringLiteral("Save"), QStringLiteral("saveProject"));
+    a.save->setShortcuts(QKeySequence::Save);
+    connect(a.save, &QAction::triggered, this, [this] { save(); });
+
+    a.saveAs = makeAction(this, {}, QStringLiteral("Save As…"), QStringLiteral("saveProjectAs"));
+    QList<QKeySequence> saveAsKeys = QKeySequence::keyBindings(QKeySequence::SaveAs);
+    if (!saveAsKeys.contains(QKeySequence(QStringLiteral("Ctrl+Shift+S"))))
+        saveAsKeys.append(QKeySequence(QStringLiteral("Ctrl+Shift+S")));
+    a.saveAs->setShortcuts(saveAsKeys);
+    connect(a.saveAs, &QAction::triggered, this, [this] { saveAs(); });
+
+    a.homeView = makeAction(this, QStringLiteral("home"), QStringLiteral("Home View"),
+                            QStringLiteral("homeView"));
+    connect(a.homeView, &QAction::triggered, this, [this] { viewport_->goHome(true); });
+
+    // Front looks along +Y, top along -Z, right along -X, isometric from +X -Y +Z.
+    const std::array<std::tuple<QAction**, QString, V3d_TypeOfOrientation>, 4> views{
+        {{&a.front, QStringLiteral("Front"), V3d_Yneg},
+         {&a.top, QStringLiteral("Top"), V3d_Zpos},
+         {&a.right, QStringLiteral("Right"), V3d_Xpos},
+         {&a.isometric, QStringLiteral("Isometric"), V3d_XposYnegZpos}}};
+    for (const auto& [slot, label, orientation] : views) {
+        QAction* action = makeAction(this, {}, label, label.toLower() + "View");
+        const V3d_TypeOfOrientation turn = orientation;
+        connect(action, &QAction::triggered, this,
+                [this, turn] { viewport_->setStandardView(turn, true); });
+        *slot = action;
+    }
+
+    a.capture = makeAction(this, QStringLiteral("document"), QStringLiteral("Capture Window"),
+                           QStringLiteral("captureWindow"));
+    setShortcuts(a.capture, {QKeySequence(QStringLiteral("Ctrl+F12"))}, QStringLiteral("Ctrl+F12"));
+    connect(a.capture, &QAction::triggered, this, [this] { captureWindow(); });
+
+    a.crashReports =
+        makeAction(this, QStringLiteral("folder"), QStringLiteral("Open Crash Reports Folder"),
+                   QStringLiteral("crashReports"));
+    connect(a.crashReports, &QAction::triggered, this, [] {
+        const std::filesystem::path folder = crashDirectory();
+        std::error_code ignored;
+        std::filesystem::create_directories(folder, ignored);
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(folder.string())));
+    });
+
+    a.design = makeAction(this, QStringLiteral("box"), QStringLiteral("Design"),
+                          QStringLiteral("designWorkspaceAction"));
+    setShortcuts(a.design, {QKeySequence(QStringLiteral("Ctrl+1"))}, QStringLiteral("Ctrl+1"));
+    a.design->setCheckable(true);
+    a.design->setChecked(true);
+}
+
+QMenu* MainWindow::buildMenu() {
+    Actions& a = actions_;
+    auto* menu = new QMenu(this);
+    menu->setObjectName(QStringLiteral("mainMenu"));
+
+    QMenu* file = menu->addMenu(QStringLiteral("File"));
+    file->addAction(a.newDocument);
+    file->addAction(a.open);
+    recentMenu_ = file->addMenu(QStringLiteral("Open Recent"));
+    recentMenu_->setObjectName(QStringLiteral("recentMenu"));
+    connect(recentMenu_, &QMenu::aboutToShow, this, [this] {
+        fillRecentMenu(
+            recentMenu_, recentFiles(), [this](const QString& path) { openRecent(path); },
+            [this] { writeRecentFiles({}); });
+    });
+    file->addSeparator();
+    file->addAction(a.save);
+    file->addAction(a.saveAs);
+
+    QMenu* edit = menu->addMenu(QStringLiteral("Edit"));
+    edit->addAction(a.undo);
+    edit->addAction(a.redo);
+    edit->addSeparator();
+    edit->addAction(a.remove);
+    edit->addAction(a.clearSelection);
+
+    QMenu* create = menu->addMenu(QStringLiteral("Create"));
+    create->addAction(a.box);
+
+    QMenu* view = menu->addMenu(QStringLiteral("View"));
+    view->addAction(a.homeView);
+    view->addAction(a.fit);
+    view->addSeparator();
+    for (QAction* action : {a.front, a.top, a.right, a.isometric}) view->addAction(action);
+    view->addSeparator();
+    view->addAction(a.origin);
+    view->addAction(a.commandLog);
+
+    QMenu* help = menu->addMenu(QStringLiteral("Help"));
+    help->addAction(a.capture);
+    help->addAction(a.crashReports);
+    return menu;
+}
+
+QWidget* MainWindow::buildTopBar() {
+    auto* bar = new QFrame(this);
+    bar->setObjectName(QStringLiteral("topBar"));
+    auto* row = new QHBoxLayout(bar);
+    row->setContentsMargins(8, 4, 8, 4);
+    row->setSpacing(6);
+
+    auto* menuButton = new QToolButton(bar);
+    menuButton->setObjectName(QStringLiteral("menuButton"));
+    menuButton->setIcon(icon(QStringLiteral("menu")));
+    menuButton->setToolTip(QStringLiteral("Menu"));
+    menuButton->setPopupMode(QToolButton::InstantPopup);
+    menuButton->setMenu(buildMenu());
+    menuButton->setAutoRaise(true);
+    row->addWidget(menuButton);
+
+    auto* wordmark = new QLabel(wordmarkText(), bar);
+    wordmark->setObjectName(QStringLiteral("wordmark"));
+    wordmark->setTextFormat(Qt::RichText);
+    row->addWidget(wordmark);
+
+    auto* divider = new QFrame(bar);
+    divider->setObjectName(QStringLiteral("topBarDivider"));
+    divider->setFrameShape(QFrame::VLine);
+    row->addWidget(divider);
+
+    saveButton_ = new QToolButton(bar);
+    saveButton_->setObjectName(QStringLiteral("saveButton"));
+    saveButton_->setIcon(icon(QStringLiteral("save")));
+    saveButton_->setAutoRaise(true);
+    saveButton_->setToolTip(
+        actionTooltip(QStringLiteral("Save"),
+                      QKeySequence(QKeySequence::Save).toString(QKeySequence::NativeText)));
+    connect(saveButton_, &QToolButton::clicked, this, [this] { save(); });
+    row->addWidget(saveButton_);
+
+    documentLabel_ = new QLabel(bar);
+    documentLabel_->setObjectName(QStringLiteral("docTitle"));
+    documentLabel_->setMaximumWidth(260);
+    row->addWidget(documentLabel_);
+
+    auto* tabs = new QWidget(bar);
+    tabs->setObjectName(QStringLiteral("designTabs"));
+    auto* tabRow = new QHBoxLayout(tabs);
+    tabRow->setContentsMargins(0, 0, 0, 0);
+    auto* solidTab = new QToolButton(tabs);
+    solidTab->setObjectName(QStringLiteral("solidTab"));
+    solidTab->setText(QStringLiteral("SOLID"));
+    solidTab->setCheckable(true);
+    solidTab->setChecked(true);
+    auto* tabGroup = new QButtonGroup(tabs);
+    tabGroup->setExclusive(true);
+    tabGroup->addButton(solidTab);
+    tabRow->addWidget(solidTab);
+    row->addWidget(tabs);
+
+    // Only groups with tools that exist; each shows its tools until the user pins others.
+    modelingTools_ = new ToolStrip(QStringLiteral("modelingTools"), bar);
+    modelingTools_->addGroup(new ToolGroup(QStringLiteral("model.create"), QStringLiteral("CREATE"),
+                                           {actions_.box}, {QStringLiteral("Box")}));
+    modelingTools_->addGroup(new ToolGroup(QStringLiteral("model.modify"), QStringLiteral("MODIFY"),
+                                           {actions_.remove}, {QStringLiteral("Delete")}));
+    row->addWidget(modelingTools_, 1);
+
+    unitButton_ = new QToolButton(bar);
+    unitButton_->setObjectName(QStringLiteral("unitButton"));
+    unitButton_->setToolTip(QStringLiteral("Units"));
+    unitButton_->setPopupMode(QToolButton::InstantPopup);
+    auto* unitMenu = new QMenu(unitButton_);
+    for (units::Length unit : {units::Length::Millimeters, units::Length::Centimeters,
+                               units::Length::Meters, units::Length::Inches, units::Length::Feet}) {
+        const std::string_view name = units::unitName(unit);
+        const std::string abbreviation(units::unitAbbreviation(unit));
+        QAction* choice = unitMenu->addAction(
+            QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+        connect(choice, &QAction::triggered, this, [this, abbreviation] {
+            runCommand(CommandRecord("set_units").set("length", abbreviation.c_str()));
+        });
+    }
+    unitButton_->setMenu(unitMenu);
+    row->addWidget(unitButton_);
+
+    auto* selectLabel = new QLabel(QStringLiteral("SELECT"), bar);
+    selectLabel->setObjectName(QStringLiteral("groupLabel"));
+    row->addWidget(selectLabel);
+    auto* segmented = new QFrame(bar);
+    segmented->setObjectName(QStringLiteral("segmented"));
+    segmented->setProperty("segmented", true);
+    auto* segmentRow = new QHBoxLayout(segmented);
+    segmentRow->setContentsMargins(2, 2, 2, 2);
+    segmentRow->setSpacing(2);
+    for (QAction* filter : {actions_.faces, actions_.edges, actions_.vertices}) {
+        auto* button = new QToolButton(segmented);
+        button->setDefaultAction(filter);
+        button->setAutoRaise(true);
+        segmentRow->addWidget(button);
+    }
+    row->addWidget(segmented);
+    return bar;
+}
+
+void MainWindow::buildSidebar() {
+    sidebar_ = new Sidebar(this);
+    sidebar_->addWorkspaceButton(actions_.design, QStringLiteral("designWorkspace"));
+    const QString site = QString::fromLatin1(kDocumentationSite);
+    sidebar_->addLinkButton(QStringLiteral("documentation"), QStringLiteral("book"),
+                            QStringLiteral("Documentation"),
+                            [site] { QDesktopServices::openUrl(QUrl(site + "/")); });
+    sidebar_->addLinkButton(
+        QStringLiteral("tutorials"), QStringLiteral("tutorial"), QStringLiteral("Tutorials"),
+        [site] { QDesktopServices::openUrl(QUrl(site + "/getting-started/install/")); });
+    sidebar_->setVersionButton(
+        QStringLiteral("v") + QCoreApplication::applicationVersion(),
+        [site] { QDesktopServices::openUrl(QUrl(site + "/release-notes/")); });
+}
+
+void MainWindow::buildViewCubeControls() {
+    struct Control {
+        const char* label;
+        const char* iconName;
+        const char* name;
+        int step; // -1: home
+    };
+    static constexpr std::array<Control, 7> controls{{
+        {"Home View", "home", "cubeHome", -1},
+        {"Roll Left", "roll-left", "cubeRollLeft", 4},
+        {"Roll Right", "roll-right", "cubeRollRight", 5},
+        {"Turn Up", "caret-up", "cubeUp", 2},
+        {"Turn Down", "caret-down", "cubeDown", 3},
+        {"Turn Left", "caret-left", "cubeLeft", 0},
+        {"Turn Right", "caret-right", "cubeRight", 1},
+    }};
+    for (const Control& control : controls) {
+        auto* button = new QToolButton(viewport_);
+        button->setObjectName(QStringLiteral("cubeControl"));
+        button->setProperty("cubeRole", QString::fromLatin1(control.name));
+        button->setIcon(icon(QString::fromLatin1(control.iconName)));
+        button->setToolTip(actionTooltip(QString::fromLatin1(control.label)));
+        button->setAutoRaise(true);
+        button->setFixedSize(22, 22);
+        button->setIconSize(QSize(14, 14));
+        button->setFocusPolicy(Qt::NoFocus);
+        const int step = control.step;
+        connect(button, &QToolButton::clicked, this, [this, step] {
+            if (step < 0)
+                viewport_->goHome(true);
+            else
+                viewport_->nudgeView(step);
+        });
+        cubeControls_.append(button);
+    }
+}
+
+void MainWindow::layoutCubeControls() {
+    if (cubeControls_.size() != 7) return;
+    // The cube fills the top-right square; its controls sit just outside it: home,
+    // up and down in a column on its left, the four turns and rolls in a row below.
+    const int corner = static_cast<int>(viewport_->cubeCornerSize() /
+                                        std::max(1.0, viewport_->devicePixelRatioF()));
+    const int width = viewport_->width();
+    const int size = 22;
+    const int gap = 4;
+    const int columnX = width - corner - size - gap;
+    QToolButton* home = cubeControls_[0];
+    QToolButton* up = cubeControls_[3];
+    QToolButton* down = cubeControls_[4];
+    home->move(columnX, gap);
+    up->move(columnX, gap + size + 2);
+    down->move(columnX, gap + 2 * (size + 2));
+    const std::array<QToolButton*, 4> row{cubeControls_[5], cubeControls_[1], cubeControls_[2],
+                                          cubeControls_[6]};
+    const int rowWidth = 4 * size + 3 * 2;
+    int x = std::min(width - corner + (corner - rowWidth) / 2, width - rowWidth - gap);
+    for (QToolButton* button : row) {
+        button->move(x, corner + 2);
+        x += size + 2;
+    }
+    for (QToolButton* button : cubeControls_) button->raise();
+}
+
+void MainWindow::addBox() {
+    CommandRecord record("create_box");
+    record.set("width", 100.0).set("depth", 50.0).set("height", 25.0);
+    bool placed = false;
+    double x = 0;
+    for (const auto& object : document_.objects()) {
+        const auto* body = dynamic_cast<const GeometryObject*>(object.get());
+        if (!body || body->shape.shape().IsNull()) continue;
+        Bnd_Box box;
+        BRepBndLib::Add(body->shape.shape(), box);
+        if (box.IsVoid()) continue;
+        const double beyond = box.CornerMax().X() + 20.0;
+        x = placed ? std::max(x, beyond) : beyond;
+        placed = true;
+    }
+    if (placed) record.set("x", x).set("y", 0.0).set("z", 0.0);
+    // The command event fits the view when this is the first body.
+    runCommand(record);
+}
+
+void MainWindow::clearSelection() {
+    const Handle(AIS_InteractiveContext)& context = viewport_->context();
+    if (context.IsNull()) return;
+    context->ClearSelected(false);
+    viewport_->requestRedraw();
+}
+
+void MainWindow::deleteSelection() {
+    const Handle(AIS_InteractiveContext)& context = viewport_->context();
+    if (context.IsNull()) return;
+    std::vector<std::string> objects;
+    bool parts = false;
+    for (context->InitSelected(); context->MoreSelected(); context->NextSelected()) {
+        const Handle(SelectMgr_EntityOwner) owner = context->SelectedOwner();
+        const Handle(StdSelect_BRepOwner) shapeOwner = Handle(StdSelect_BRepOwner)::DownCast(owner);
+        if (!shapeOwner.IsNull() && shapeOwner->ComesFromDecomposition()) {
+            parts = true;
+            continue;
+        }
+        const std::string id = presenter_->objectOf(owner);
+        if (!id.empty() && std::find(objects.begin(), objects.end(), id) == objects.end())
+            objects.push_back(id);
+    }
+    if (objects.empty()) {
+        if (parts)
+            showToast(
+                QStringLiteral("A face, edge or vertex can't be deleted on its own. To delete "
+                               "the body, select it in the browser."));
+        return;
+    }
+
+    deleteObjects(objects);
+}
+
+void MainWindow::deleteObjects(const std::vector<std::string>& objects) {
+    // Users outside the selection go too only when the user says so.
+    QStringList users;
+    for (const std::string& id : objects)
+        for (const std::string& user : document_.users(id))
+            if (std::find(objects.begin(), objects.end(), user) == objects.end() &&
+                !users.contains(QString::fromStdString(user)))
+                users.append(QString::fromStdString(user));
+    bool withDependents = false;
+    if (!users.isEmpty()) {
+        QStringList names;
+        for (const std::string& id : objects) names.append(QString::fromStdString(id));
+        const QString question =
+            QStringLiteral("%1 is used by %2.\n\nDelete those too?")
+                .arg(names.join(QStringLiteral(", ")), users.join(QStringLiteral(", ")));
+        if (!prompt_->askDeleteDependents(this, question)) return;
+        withDependents = true;
+    }
+
+    // One step to undo, however many objects went.
+    stack_.beginGroup();
+    for (const std::string& id : objects) {
+        if (!document_.find(id)) continue; // went with an earlier object's dependents
+        CommandRecord record("delete_object");
+        record.set("object", id.c_str());
+        if (withDependents) record.set("with_dependents", true);
+        if (!runCommand(record).ok) break;
+    }
+    stack_.endGroup();
+}
+
+} // namespace cad::ui
