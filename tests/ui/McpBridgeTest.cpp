@@ -1,6 +1,6 @@
 // Agents in the window: a real local-socket client drives the open window through
-// the bridge, sees it live, changes it undoably, captures and turns the view; the
-// socket exists exactly while a window with the agent interface on is open.
+// the bridge, sees it live, changes it undoably, captures and turns the view. (That
+// KORVEL_MCP=0 and closing leave no socket is checked end to end on the program.)
 #include "tests/ui/WindowFixture.h"
 
 #include "mcp/SocketPath.h"
@@ -69,11 +69,6 @@ protected:
         qputenv("KORVEL_MCP", "0");
     }
 };
-
-TEST_F(WindowTest, WithTheAgentInterfaceOffThereIsNoSocket) {
-    EXPECT_EQ(window->mcpBridge(), nullptr);
-    EXPECT_EQ(mcp::pathKind(mcp::mcpSocketPath()), mcp::PathKind::Missing);
-}
 
 TEST_F(AgentTest, AnAgentSeesTheWindowLiveAndItsChangesUndoFromTheWindow) {
     ASSERT_NE(window->mcpBridge(), nullptr);
@@ -183,13 +178,6 @@ TEST_F(AgentTest, ScreenshotShowsTheBodyInTheMiddle) {
     EXPECT_LT(std::min(hueGap, 360 - hueGap), 20)
         << centre.name().toStdString() << " vs " << expected.name().toStdString();
     EXPECT_GT(distance(centre, background), 40) << background.name().toStdString();
-}
-
-TEST_F(AgentTest, ClosingTheWindowRemovesTheSocket) {
-    ASSERT_EQ(mcp::pathKind(mcp::mcpSocketPath()), mcp::PathKind::Socket);
-    EXPECT_TRUE(window->close());
-    EXPECT_EQ(window->mcpBridge(), nullptr);
-    EXPECT_EQ(mcp::pathKind(mcp::mcpSocketPath()), mcp::PathKind::Missing);
 }
 
 TEST_F(AgentTest, ASecondWindowWaitsForTheSocketAndTakesItOnceFree) {
