@@ -191,6 +191,57 @@ Result<std::string> ArgReader::choice(std::string_view arg, const std::vector<st
     return value ? readChoice(arg, *value, choices) : Result<std::string>(std::move(fallback));
 }
 
+Result<void> checkArgumentTypes(const CommandRecord& record, const std::vector<ArgSpec>& declared) {
+    ArgReader args(record);
+    for (const ArgSpec& spec : declared) {
+        const Value* value = record.find(spec.name);
+        if (!value) continue;
+        if (!spec.refersTo.empty()) {
+            // An optional reference may be empty ("roll_back" to nothing); a required
+            // one may not.
+            auto* name = std::get_if<std::string>(value);
+            if (!name || (spec.required && name->empty()))
+                if (Result<std::string> object = args.object(spec.name); !object)
+                    return Error(object);
+            continue;
+        }
+        // Only the kind of value is checked here; what a number or a text must
+        // say is the factory's, in its own words ("'sides' must be a whole number
+        // from 3 to 1000.").
+        const bool flag = std::holds_alternative<bool>(*value);
+        const bool text = std::holds_alternative<std::string>(*value);
+        Result<void> ok;
+        switch (spec.type) {
+        case ArgType::Length:
+            if (flag) ok = Error(args.length(spec.name));
+            break;
+        case ArgType::Number:
+            if (flag) ok = Error(args.number(spec.name));
+            break;
+        case ArgType::Angle:
+            if (flag) ok = Error(args.angle(spec.name));
+            break;
+        case ArgType::Integer:
+            if (flag) ok = Error(args.integer(spec.name));
+            break;
+        case ArgType::Boolean:
+            if (!flag) ok = Error(args.boolean(spec.name));
+            break;
+        case ArgType::SketchReference:
+            if (!text)
+                ok = fail(record.name + ": '" + spec.name +
+                          "' must be a reference like \"Line1.end\".");
+            break;
+        case ArgType::String:
+        case ArgType::Text:
+            if (!text) ok = Error(args.string(spec.name));
+            break;
+        }
+        if (!ok) return ok;
+    }
+    return {};
+}
+
 Result<void> checkArguments(const CommandRecord& record, const std::vector<ArgSpec>& declared) {
     ArgReader args(record);
     if (Result<void> ok = args.allowDeclared(declared); !ok) return ok;

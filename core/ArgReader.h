@@ -57,6 +57,12 @@ private:
     const CommandRecord& record_;
 };
 
+// Refuses any declared argument given with a value its type does not take, with the
+// sentence the matching reader would give. Unknown and missing arguments are left
+// to the factory, which may word them its own way ("'across_flats' only applies to
+// polygons.").
+Result<void> checkArgumentTypes(const CommandRecord& record, const std::vector<ArgSpec>& declared);
+
 // Refuses unknown argument names and missing required arguments, with the sentence
 // the matching reader would give.
 Result<void> checkArguments(const CommandRecord& record, const std::vector<ArgSpec>& declared);

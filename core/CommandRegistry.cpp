@@ -60,8 +60,13 @@ CommandRecord CommandRegistry::canonicalize(const CommandRecord& record,
 Result<std::unique_ptr<Command>> CommandRegistry::create(const CommandRecord& record) const {
     const Entry* entry = find(record.name);
     if (!entry) return fail("Unknown command '" + record.name + "'.");
+    // Every declared argument is checked against its type before the factory reads
+    // it, so no factory ever meets a value of the wrong kind.
+    if (Result<void> ok = checkArgumentTypes(record, entry->arguments); !ok) return Error(ok);
     try {
         return entry->factory(record);
+    } catch (const UncheckedResult& e) {
+        return fail(e.what());
     } catch (const std::exception& e) {
         // Factories report problems as values; this only keeps a slip from escaping.
         return fail(record.name + ": the arguments could not be read (" + e.what() + ").");

@@ -20,6 +20,9 @@ units::ScopedParameterLookup expressionContext(const Document& document) {
 CommandResult guardedExecute(Command& command, Document& document) {
     try {
         return command.execute(document);
+    } catch (const UncheckedResult& e) {
+        // A failure that was read as a value still reaches the user as its sentence.
+        return CommandResult::failure(e.what());
     } catch (const std::exception& e) {
         return CommandResult::failure(command.record().name + " failed unexpectedly: " + e.what());
     }
@@ -28,7 +31,7 @@ CommandResult guardedExecute(Command& command, Document& document) {
 } // namespace
 
 void CommandStack::announce(CommandEvent::Kind kind, const CommandRecord& record,
-                        const std::string& message) {
+                            const std::string& message) {
     CommandEvent event{kind, record, message};
     for (const Listener& listener : listeners_) listener(event);
 }

@@ -2,7 +2,9 @@
 // saying why it failed. Nothing in the model reports failure by exception.
 #pragma once
 
-#include <cassert>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <variant>
@@ -15,6 +17,25 @@ struct Error {
 };
 
 inline Error fail(std::string message) { return Error{std::move(message)}; }
+
+// Thrown when a failed Result is used as a value in a build without assertions: it
+// carries the failure's own sentence, so the command boundary can still answer it.
+class UncheckedResult : public std::logic_error {
+public:
+    using std::logic_error::logic_error;
+};
+
+// A failed Result used as a value is a bug, never a quiet wrong value. With
+// assertions on (debug, fuzzing, sanitizers) it stops the program with the
+// sentence; otherwise it throws the sentence to the command boundary.
+[[noreturn]] inline void uncheckedResult(const std::string& error) {
+#ifndef NDEBUG
+    std::fprintf(stderr, "A failed Result was used as a value: %s\n", error.c_str());
+    std::abort();
+#else
+    throw UncheckedResult(error);
+#endif
+}
 
 template <typename T> class [[nodiscard]] Result {
 public:
@@ -33,15 +54,15 @@ public:
     explicit operator bool() const { return ok(); }
 
     T& value() & {
-        assert(ok());
+        if (!ok()) uncheckedResult(std::get<1>(data_));
         return std::get<0>(data_);
     }
     const T& value() const& {
-        assert(ok());
+        if (!ok()) uncheckedResult(std::get<1>(data_));
         return std::get<0>(data_);
     }
     T&& value() && {
-        assert(ok());
+        if (!ok()) uncheckedResult(std::get<1>(data_));
         return std::get<0>(std::move(data_));
     }
     T* operator->() { return &value(); }

@@ -71,3 +71,18 @@ TEST(ArgReader, TextObjectsFlagsAndChoices) {
     EXPECT_EQ(a.allowOnly({"sketch", "distance"}).error(),
               "extrude: unknown argument 'mm'. Expected one of: sketch, distance.");
 }
+
+TEST(ArgReader, AFailedResultIsNeverUsedQuietly) {
+    Result<double> missing = ArgReader(record()).length("absent");
+#ifdef NDEBUG
+    // Without assertions the slip reaches the command boundary as its own sentence.
+    try {
+        (void)*missing;
+        ADD_FAILURE() << "no exception";
+    } catch (const UncheckedResult& e) {
+        EXPECT_STREQ(e.what(), "extrude: missing length argument 'absent'.");
+    }
+#else
+    EXPECT_DEATH((void)*missing, "missing length argument 'absent'");
+#endif
+}
