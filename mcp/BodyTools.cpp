@@ -356,10 +356,10 @@ ordered_json bodySummary(const GeometryObject& body) {
     return s;
 }
 
-ToolAnswer getBodyTool(McpHost& host, const CommandRecord& arguments) {
-    if (Result<void> allowed = allowToolArguments(arguments, {"body"}); !allowed)
+ToolAnswer getBodyTool(McpHost& host, const ToolArguments& arguments) {
+    if (Result<void> allowed = arguments.allow({"body"}); !allowed)
         return ToolAnswer::failure(allowed.error());
-    Result<std::string> name = ArgReader(arguments).string("body");
+    Result<std::string> name = ArgReader(arguments.record()).string("body");
     if (!name) return ToolAnswer::failure(name.error());
     const auto* body = host.document().findAs<GeometryObject>(*name);
     if (!body) return ToolAnswer::failure("No body named '" + *name + "'.");
@@ -390,10 +390,10 @@ ToolAnswer getBodyTool(McpHost& host, const CommandRecord& arguments) {
     return ToolAnswer::success(toolJsonText(answer));
 }
 
-ToolAnswer measureTool(McpHost& host, const CommandRecord& arguments) {
-    if (Result<void> allowed = allowToolArguments(arguments, {"a", "b"}); !allowed)
+ToolAnswer measureTool(McpHost& host, const ToolArguments& arguments) {
+    if (Result<void> allowed = arguments.allow({"a", "b"}); !allowed)
         return ToolAnswer::failure(allowed.error());
-    ArgReader args(arguments);
+    ArgReader args(arguments.record());
     Result<std::string> a = args.string("a");
     if (!a) return ToolAnswer::failure(a.error());
     Result<std::string> b = args.string("b", "");

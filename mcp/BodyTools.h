@@ -3,8 +3,8 @@
 // one shape or between two.
 #pragma once
 
-#include "core/CommandRecord.h"
 #include "mcp/ToolAnswer.h"
+#include "mcp/ToolArguments.h"
 
 #include <nlohmann/json.hpp>
 
@@ -19,7 +19,7 @@ class McpHost;
 // The "measured" summary of a body; every number rounded to 6 decimals.
 nlohmann::ordered_json bodySummary(const GeometryObject& body);
 
-ToolAnswer getBodyTool(McpHost& host, const CommandRecord& arguments);
-ToolAnswer measureTool(McpHost& host, const CommandRecord& arguments);
+ToolAnswer getBodyTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer measureTool(McpHost& host, const ToolArguments& arguments);
 
 } // namespace cad::mcp

@@ -1,6 +1,7 @@
 // korvel-mcp: the agent server without a window. On stdin/stdout (the default) it
 // serves a fresh document; --listen serves the agent socket instead; --connect
 // relays stdin/stdout to the socket of a running Korvel Studio.
+#include "core/Version.h"
 #include "mcp/HeadlessHost.h"
 #include "mcp/McpListener.h"
 #include "mcp/McpServer.h"
@@ -36,7 +37,7 @@ int serveStdio() {
     std::FILE* out = cad::mcp::claimStdoutForProtocol();
     std::ios::sync_with_stdio(false);
     cad::mcp::HeadlessHost host;
-    cad::mcp::McpServer server(host, KORVEL_VERSION);
+    cad::mcp::McpServer server(host, cad::kApplicationVersion);
     cad::mcp::serveLines(server, std::cin, lineWriter(out));
     return 0;
 }
@@ -45,7 +46,7 @@ int listen(int argc, char** argv, const std::string& path) {
     QCoreApplication app(argc, argv);
     cad::mcp::quitOnTerminationSignals();
     cad::mcp::HeadlessHost host;
-    cad::mcp::McpServer server(host, KORVEL_VERSION);
+    cad::mcp::McpServer server(host, cad::kApplicationVersion);
     cad::mcp::McpListener listener(
         [&server](const std::string& line) { return server.handle(line); });
     if (cad::Result<void> listening = listener.listen(path); !listening) {
@@ -80,7 +81,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (mode == "--version") {
-        std::printf("korvel-mcp %s\n", KORVEL_VERSION);
+        std::printf("korvel-mcp %s\n", cad::kApplicationVersion);
         return 0;
     }
     const std::string path = argc == 3 ? argv[2] : cad::mcp::mcpSocketPath();

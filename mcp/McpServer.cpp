@@ -4,13 +4,13 @@
 #include "mcp/McpServer.h"
 
 #include "core/CommandStack.h"
+#include "mcp/ToolArguments.h"
 #include "mcp/ToolCatalogue.h"
 
 #include <Standard_Failure.hxx>
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
-#include <limits>
 
 namespace cad::mcp {
 
@@ -113,30 +113,14 @@ ordered_json toolResult(const ToolAnswer& answer) {
     return result;
 }
 
-// The call's arguments as a record, each member converted by its JSON type.
-Result<CommandRecord> recordFromArguments(const std::string& name, const ordered_json* arguments) {
+// The call's arguments as a record, each member converted by its JSON type, in
+// the order given.
+Result<CommandRecord> recordFromArguments(const std::string& name, const ordered_json& arguments) {
     CommandRecord record(name);
-    if (!arguments || arguments->is_null()) return record;
-    if (!arguments->is_object()) return fail("arguments must be an object");
-    for (auto it = arguments->begin(); it != arguments->end(); ++it) {
-        const ordered_json& v = it.value();
-        if (v.is_boolean()) {
-            record.arguments.emplace_back(it.key(), Value(v.get<bool>()));
-        } else if (v.is_number_unsigned()) {
-            auto n = v.get<std::uint64_t>();
-            if (n <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
-                record.arguments.emplace_back(it.key(), Value(static_cast<std::int64_t>(n)));
-            else
-                record.arguments.emplace_back(it.key(), Value(static_cast<double>(n)));
-        } else if (v.is_number_integer()) {
-            record.arguments.emplace_back(it.key(), Value(v.get<std::int64_t>()));
-        } else if (v.is_number_float()) {
-            record.arguments.emplace_back(it.key(), Value(v.get<double>()));
-        } else if (v.is_string()) {
-            record.arguments.emplace_back(it.key(), Value(v.get<std::string>()));
-        } else {
-            return fail("'" + it.key() + "' must be a number, string or boolean");
-        }
+    for (auto it = arguments.begin(); it != arguments.end(); ++it) {
+        Result<Value> value = toCommandValue(name, it.key(), it.value());
+        if (!value) return Error(value);
+        record.arguments.emplace_back(it.key(), std::move(value).value());
     }
     return record;
 }
@@ -191,35 +175,48 @@ std::optional<std::string> McpServer::handle(std::string_view requestText) {
     }
     if (method != "tools/call") return errorText(c.id, -32601, "Method not found: " + method);
 
-    if (!params || !params->is_object() || !params->contains("name") ||
-        !(*params)["name"].is_string())
-        return errorText(c.id, -32602,
-                         "Invalid params: tools/call needs the tool's name in params.name.");
-    const std::string name = (*params)["name"].get<std::string>();
-    const ordered_json* arguments = nullptr;
-    if (auto it = params->find("arguments"); it != params->end()) arguments = &*it;
+    // From here on every problem is the tool's answer, not a protocol error.
+    auto answer = [&](const ToolAnswer& a) { return resultText(c.id, toolResult(a)); };
+    const ordered_json* name = nullptr;
+    if (params && params->is_object())
+        if (auto it = params->find("name"); it != params->end() && it->is_string()) name = &*it;
+    if (!name)
+        return answer(ToolAnswer::failure("tools/call needs the tool's name as text in "
+                                          "params.name."));
+    const std::string tool = name->get<std::string>();
+    static const ordered_json none = ordered_json::object();
+    const ordered_json* arguments = &none;
+    if (auto it = params->find("arguments"); it != params->end() && !it->is_null())
+        arguments = &*it;
+    if (!arguments->is_object())
+        return answer(ToolAnswer::failure(tool + ": arguments must be an object."));
 
-    const QueryTool* tool = findQueryTool(name);
-    if (!tool && !host_.registry().find(name))
-        return resultText(c.id, toolResult(ToolAnswer::failure("Unknown tool '" + name + "'.")));
-    Result<CommandRecord> record = recordFromArguments(name, arguments);
-    if (!record) return resultText(c.id, toolResult(ToolAnswer::failure(record.error())));
-    return resultText(c.id, toolResult(callTool(tool, *record)));
+    if (const QueryTool* query = findQueryTool(tool))
+        return answer(
+            guarded(tool, [&] { return query->run(host_, ToolArguments(tool, *arguments)); }));
+    if (!host_.registry().find(tool))
+        return answer(ToolAnswer::failure("Unknown tool '" + tool + "'."));
+    Result<CommandRecord> record = recordFromArguments(tool, *arguments);
+    if (!record) return answer(ToolAnswer::failure(record.error()));
+    return answer(guarded(tool, [&] {
+        CommandResult done = host_.commandStack().execute(*record);
+        if (!done.ok) return ToolAnswer::failure(done.message);
+        return ToolAnswer::success(done.message.empty() ? std::string("Done.") : done.message);
+    }));
 }
 
-ToolAnswer McpServer::callTool(const QueryTool* tool, const CommandRecord& record) {
+ToolAnswer McpServer::guarded(const std::string& tool, const std::function<ToolAnswer()>& run) {
     // Nothing may throw across a tool, but if something does, the agent hears of it
     // and the session goes on.
     try {
-        if (tool) return tool->run(host_, record);
-        CommandResult done = host_.commandStack().execute(record);
-        if (!done.ok) return ToolAnswer::failure(done.message);
-        return ToolAnswer::success(done.message.empty() ? std::string("Done.") : done.message);
+        return run();
+    } catch (const UncheckedResult& e) {
+        return ToolAnswer::failure(e.what());
     } catch (const std::exception& e) {
-        return ToolAnswer::failure(record.name + " stopped on an internal error (" + e.what() +
+        return ToolAnswer::failure(tool + " stopped on an internal error (" + e.what() +
                                    "). Check the model with get_document before going on.");
     } catch (const Standard_Failure& e) {
-        return ToolAnswer::failure(record.name + " stopped on a geometry kernel error (" +
+        return ToolAnswer::failure(tool + " stopped on a geometry kernel error (" +
                                    std::string(e.GetMessageString()) +
                                    "). Check the model with get_document before going on.");
     }

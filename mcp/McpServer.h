@@ -3,17 +3,15 @@
 // thread that owns the document, one request at a time.
 #pragma once
 
-#include "core/CommandRecord.h"
 #include "mcp/McpHost.h"
 #include "mcp/ToolAnswer.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace cad::mcp {
-
-struct QueryTool;
 
 inline constexpr const char* kProtocolVersion = "2025-06-18";
 
@@ -31,8 +29,8 @@ public:
     std::string instructions() const;
 
 private:
-    // Runs a query tool, or the registered command when `tool` is null.
-    ToolAnswer callTool(const QueryTool* tool, const CommandRecord& record);
+    // Runs one tool; an exception that slips out becomes the tool's failure.
+    static ToolAnswer guarded(const std::string& tool, const std::function<ToolAnswer()>& run);
 
     McpHost& host_;
     std::string version_;

@@ -46,14 +46,6 @@ const ObjectTypes& allObjectTypes() {
     return types;
 }
 
-Result<void> allowToolArguments(const CommandRecord& arguments,
-                                const std::vector<std::string_view>& names) {
-    if (names.empty() && !arguments.arguments.empty())
-        return fail(arguments.name + ": unknown argument '" + arguments.arguments.front().first +
-                    "'. It takes no arguments.");
-    return ArgReader(arguments).allowOnly(names);
-}
-
 std::string toolJsonText(const ordered_json& value) {
     std::string text = layoutJson(value);
     if (!text.empty() && text.back() == '\n') text.pop_back();
@@ -90,14 +82,14 @@ ordered_json documentAnswer(McpHost& host) {
     return answer;
 }
 
-ToolAnswer getDocumentTool(McpHost& host, const CommandRecord& arguments) {
-    KORVEL_CHECK(allowToolArguments(arguments, {}));
+ToolAnswer getDocumentTool(McpHost& host, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({}));
     return ToolAnswer::success(toolJsonText(documentAnswer(host)));
 }
 
-ToolAnswer getSketchTool(McpHost& host, const CommandRecord& arguments) {
-    KORVEL_CHECK(allowToolArguments(arguments, {"sketch"}));
-    Result<std::string> name = ArgReader(arguments).string("sketch");
+ToolAnswer getSketchTool(McpHost& host, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({"sketch"}));
+    Result<std::string> name = ArgReader(arguments.record()).string("sketch");
     KORVEL_CHECK(name);
     const auto* sketch = host.document().findAs<SketchObject>(*name);
     if (!sketch) return ToolAnswer::failure("No sketch named '" + *name + "'.");
@@ -123,8 +115,8 @@ ToolAnswer getSketchTool(McpHost& host, const CommandRecord& arguments) {
     return ToolAnswer::success(toolJsonText(record));
 }
 
-ToolAnswer undoTool(McpHost& host, const CommandRecord& arguments) {
-    KORVEL_CHECK(allowToolArguments(arguments, {}));
+ToolAnswer undoTool(McpHost& host, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({}));
     CommandStack& stack = host.commandStack();
     const CommandRecord* record = stack.undoRecord();
     if (!record) return ToolAnswer::failure("Nothing to undo.");
@@ -133,8 +125,8 @@ ToolAnswer undoTool(McpHost& host, const CommandRecord& arguments) {
     return ToolAnswer::success("Undid " + call + ".");
 }
 
-ToolAnswer redoTool(McpHost& host, const CommandRecord& arguments) {
-    KORVEL_CHECK(allowToolArguments(arguments, {}));
+ToolAnswer redoTool(McpHost& host, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({}));
     CommandStack& stack = host.commandStack();
     const CommandRecord* record = stack.redoRecord();
     if (!record) return ToolAnswer::failure("Nothing to redo.");
@@ -144,38 +136,38 @@ ToolAnswer redoTool(McpHost& host, const CommandRecord& arguments) {
     return ToolAnswer::success("Redid " + call + ".");
 }
 
-ToolAnswer newDocumentTool(McpHost& host, const CommandRecord& arguments) {
-    KORVEL_CHECK(allowToolArguments(arguments, {}));
+ToolAnswer newDocumentTool(McpHost& host, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({}));
     KORVEL_CHECK(host.newDocument());
     return ToolAnswer::success("Started a new document.");
 }
 
-ToolAnswer openProjectTool(McpHost& host, const CommandRecord& arguments) {
-    KORVEL_CHECK(allowToolArguments(arguments, {"path"}));
-    Result<std::string> path = ArgReader(arguments).string("path");
+ToolAnswer openProjectTool(McpHost& host, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({"path"}));
+    Result<std::string> path = ArgReader(arguments.record()).string("path");
     KORVEL_CHECK(path);
     KORVEL_CHECK(host.openProject(*path));
     return ToolAnswer::success("Opened " + host.currentPath() + ".");
 }
 
-ToolAnswer saveProjectTool(McpHost& host, const CommandRecord& arguments) {
-    KORVEL_CHECK(allowToolArguments(arguments, {"path"}));
-    Result<std::string> path = ArgReader(arguments).string("path", "");
+ToolAnswer saveProjectTool(McpHost& host, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({"path"}));
+    Result<std::string> path = ArgReader(arguments.record()).string("path", "");
     KORVEL_CHECK(path);
     KORVEL_CHECK(host.saveProject(*path));
     return ToolAnswer::success("Saved " + host.currentPath() + ".");
 }
 
-ToolAnswer screenshotTool(McpHost& host, const CommandRecord& arguments) {
-    KORVEL_CHECK(allowToolArguments(arguments, {}));
+ToolAnswer screenshotTool(McpHost& host, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({}));
     Result<std::string> png = host.screenshot();
     if (!png || png->empty()) return ToolAnswer::failure("Couldn't capture the view.");
     return ToolAnswer::image(std::move(png).value());
 }
 
-ToolAnswer setViewTool(McpHost& host, const CommandRecord& arguments) {
-    KORVEL_CHECK(allowToolArguments(arguments, {"view"}));
-    Result<std::string> view = ArgReader(arguments).string("view");
+ToolAnswer setViewTool(McpHost& host, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({"view"}));
+    Result<std::string> view = ArgReader(arguments.record()).string("view");
     KORVEL_CHECK(view);
     KORVEL_CHECK(host.setView(*view));
     return ToolAnswer::success("View changed.");

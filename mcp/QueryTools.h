@@ -3,10 +3,10 @@
 // sentence or pretty-printed JSON.
 #pragma once
 
-#include "core/CommandRecord.h"
 #include "core/ObjectTypes.h"
 #include "core/Result.h"
 #include "mcp/ToolAnswer.h"
+#include "mcp/ToolArguments.h"
 
 #include <nlohmann/json.hpp>
 
@@ -20,23 +20,19 @@ class McpHost;
 // Every object type the project file knows, built once.
 const ObjectTypes& allObjectTypes();
 
-// Refuses argument names outside the list with the command readers' sentence.
-Result<void> allowToolArguments(const CommandRecord& arguments,
-                                const std::vector<std::string_view>& names);
-
 // What "get_document" answers: the document JSON wrapped with "file", "live" and
 // "lengths_in", each record completed with what was measured or analysed.
 nlohmann::ordered_json documentAnswer(McpHost& host);
 
-ToolAnswer getDocumentTool(McpHost& host, const CommandRecord& arguments);
-ToolAnswer getSketchTool(McpHost& host, const CommandRecord& arguments);
-ToolAnswer undoTool(McpHost& host, const CommandRecord& arguments);
-ToolAnswer redoTool(McpHost& host, const CommandRecord& arguments);
-ToolAnswer newDocumentTool(McpHost& host, const CommandRecord& arguments);
-ToolAnswer openProjectTool(McpHost& host, const CommandRecord& arguments);
-ToolAnswer saveProjectTool(McpHost& host, const CommandRecord& arguments);
-ToolAnswer screenshotTool(McpHost& host, const CommandRecord& arguments);
-ToolAnswer setViewTool(McpHost& host, const CommandRecord& arguments);
+ToolAnswer getDocumentTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer getSketchTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer undoTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer redoTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer newDocumentTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer openProjectTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer saveProjectTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer screenshotTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer setViewTool(McpHost& host, const ToolArguments& arguments);
 
 // JSON text as the tools answer it: in the project file's layout (indented, number
 // arrays on one line), invalid UTF-8 replaced.

@@ -6,6 +6,7 @@
 #include "core/CommandRecord.h"
 #include "core/CommandRegistry.h"
 #include "mcp/ToolAnswer.h"
+#include "mcp/ToolArguments.h"
 
 #include <nlohmann/json.hpp>
 
@@ -18,9 +19,10 @@ namespace cad::mcp {
 
 class McpHost;
 
-// A tool's arguments arrive as a record (the same conversion as for commands) and
-// are read with the command argument readers, so mistakes get the same sentences.
-using ToolHandler = std::function<ToolAnswer(McpHost&, const CommandRecord& arguments)>;
+// A tool gets the call's JSON arguments as they came (lists included); its plain
+// values are read with the command argument readers, so mistakes get the same
+// sentences.
+using ToolHandler = std::function<ToolAnswer(McpHost&, const ToolArguments& arguments)>;
 
 struct QueryTool {
     std::string name;

@@ -125,8 +125,9 @@ TEST_F(PlateWithHoles, ReferenceProblemsSayWhatToDo) {
     };
     for (const Case& c :
          {Case{"Body9", "No body named 'Body9'."},
-          Case{"Body1/Extrude7.end", "Body1 has no element with that name now (see get_body)."},
-          Case{"Body1.face99", "Body1 has no face 99 (see get_body)."},
+          Case{"Body1/Extrude7.end",
+               "Body1/Extrude7.end has no element with that name now (see get_body)."},
+          Case{"Body1.face99", "Body1.face99: Body1 has no face 99 (see get_body)."},
           Case{"Sketch1", "'Sketch1': expected Body1, Body1/<name from get_body>, or Body1.faceN / "
                           "edgeN / vertexN."}}) {
         ToolReply reply = s.call("measure", {{"a", c.reference}});

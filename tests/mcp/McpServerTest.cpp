@@ -112,8 +112,13 @@ TEST(McpProtocol, PingAndUnknownMethodsEchoTheId) {
     EXPECT_EQ(
         raw(server, R"({"jsonrpc":"2.0","id":9,"method":"resources/list"})"),
         R"({"jsonrpc":"2.0","id":9,"error":{"code":-32601,"message":"Method not found: resources/list"}})");
-    json bad = s.session.send(request(3, "tools/call", json{{"arguments", json::object()}}));
-    EXPECT_EQ(bad["error"]["code"], -32602);
+    // A call without a usable tool name is the tool's failure, not a protocol error.
+    for (const json& params : {json{{"arguments", json::object()}}, json{{"name", 5}}, json()}) {
+        json bad = s.session.send(request(3, "tools/call", params));
+        EXPECT_TRUE(bad["result"]["isError"].get<bool>()) << bad.dump();
+        EXPECT_EQ(bad["result"]["content"][0]["text"],
+                  "tools/call needs the tool's name as text in params.name.");
+    }
 }
 
 TEST(McpProtocol, InitializeAnswersOurVersionAndTheHostsInstructions) {
@@ -274,11 +279,11 @@ TEST(McpToolCall, ArgumentsBecomeTypedRecordsInTheOrderGiven) {
         const char* text;
     };
     for (const Bad& bad :
-         {Bad{json{{"d", json::array({1})}}, "'d' must be a number, string or boolean"},
-          Bad{json{{"d", nullptr}}, "'d' must be a number, string or boolean"},
-          Bad{json{{"d", json::object()}}, "'d' must be a number, string or boolean"},
-          Bad{json::array({1}), "arguments must be an object"},
-          Bad{json("x"), "arguments must be an object"}}) {
+         {Bad{json{{"d", json::array({1})}}, "echo: 'd' must be a number, string or boolean."},
+          Bad{json{{"d", nullptr}}, "echo: 'd' must be a number, string or boolean."},
+          Bad{json{{"d", json::object()}}, "echo: 'd' must be a number, string or boolean."},
+          Bad{json::array({1}), "echo: arguments must be an object."},
+          Bad{json("x"), "echo: arguments must be an object."}}) {
         ToolReply reply = session.call("echo", bad.arguments);
         EXPECT_TRUE(reply.isError);
         EXPECT_EQ(reply.text, bad.text);
@@ -336,7 +341,7 @@ TEST(McpToolCall, LengthsAsTextReachTheExtrudeReader) {
     ToolReply wrong =
         s.session.call("extrude", {{"sketch", "Sketch1"}, {"distance", json::array({1})}});
     EXPECT_TRUE(wrong.isError);
-    EXPECT_EQ(wrong.text, "'distance' must be a number, string or boolean");
+    EXPECT_EQ(wrong.text, "extrude: 'distance' must be a number, string or boolean.");
     ToolReply unknownArg =
         s.session.call("extrude", {{"sketch", "Sketch1"}, {"distance", 5}, {"colour", "red"}});
     EXPECT_TRUE(unknownArg.isError);
@@ -370,7 +375,7 @@ TEST(McpRobustness, HugeAndDeepMessagesAreAnsweredWithoutHarm) {
         deepValid + "}}}";
     json answer = json::parse(raw(server, deepArgument));
     EXPECT_EQ(answer["result"]["content"][0]["text"],
-              "'plane' must be a number, string or boolean");
+              "create_sketch: 'plane' must be a number, string or boolean.");
 
     json big = request(5, "tools/call",
                        {{"name", "create_sketch"},
