@@ -289,7 +289,7 @@ Result<TopoDS_Shape> resolveElement(const Document& document, std::string_view t
         std::optional<TopoDS_Shape> element =
             (*body)->shape.findByName(trimmed(text.substr(slash + 1)));
         if (!element)
-            return fail((*body)->id + " has no element with that name now (see get_body).");
+            return fail(std::string(text) + " has no element with that name now (see get_body).");
         return *element;
     }
 
@@ -315,8 +315,8 @@ Result<TopoDS_Shape> resolveElement(const Document& document, std::string_view t
             if (!body) return Error(body);
             std::optional<TopoDS_Shape> element = (*body)->shape.elementByIndex(k.type, n);
             if (!element)
-                return fail((*body)->id + " has no " + k.word + " " + std::to_string(n) +
-                            " (see get_body).");
+                return fail(std::string(text) + ": " + (*body)->id + " has no " + k.word + " " +
+                            std::to_string(n) + " (see get_body).");
             return *element;
         }
     }

@@ -72,6 +72,17 @@ bool nameTaken(const Document& document, const std::string& name) {
     return false;
 }
 
+// The reference with its object named by ID: "Base/Extrude1.end" becomes
+// "Body1/Extrude1.end"; origin planes stay as they are.
+std::string supportById(const Document& document, std::string_view reference) {
+    std::string_view text = trimmed(reference);
+    if (parseOriginPlane(text)) return std::string(text);
+    const std::size_t slash = text.find('/');
+    const DocumentObject* object = document.findByName(trimmed(text.substr(0, slash)));
+    if (!object) return std::string(text);
+    return object->id + (slash == std::string_view::npos ? "" : std::string(text.substr(slash)));
+}
+
 } // namespace
 
 std::vector<ArgSpec> CreateSketchCommand::arguments() {
@@ -189,7 +200,9 @@ CommandResult CreateSketchCommand::execute(Document& document) {
             return CommandResult::failure("'" + on_ + "' isn't a plane or a flat face.");
         frame = *resolved;
     }
-    if (!on_.empty()) support = on_;
+    // The sketch keeps what it sits on by ID, so renaming the body or plane later
+    // doesn't cut it loose.
+    if (!on_.empty()) support = supportById(document, on_);
 
     auto sketch = std::make_unique<SketchObject>();
     sketch->id = document.nextId("Sketch");

@@ -3,6 +3,7 @@
 #include "GeometryTestModel.h"
 
 #include "geometry/References.h"
+#include "sketch/SketchObject.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRep_Tool.hxx>
@@ -144,9 +145,10 @@ TEST_F(References, ElementsForTheQueryTools) {
         const char* error;
     };
     for (const Case& c : {
-             Case{"Box1.face0", "Box1 has no face 0 (see get_body)."},
-             Case{"Box1.edge13", "Box1 has no edge 13 (see get_body)."},
-             Case{"Box1/Box1.nope", "Box1 has no element with that name now (see get_body)."},
+             Case{"Box1.face0", "Box1.face0: Box1 has no face 0 (see get_body)."},
+             Case{"Box1.edge13", "Box1.edge13: Box1 has no edge 13 (see get_body)."},
+             Case{"Box1/Box1.nope",
+                  "Box1/Box1.nope has no element with that name now (see get_body)."},
              Case{"Box2.face1", "No body named 'Box2'."},
              Case{"Box2", "No body named 'Box2'."},
              Case{"Box1.side", "'Box1.side': expected Body1, Body1/<name from get_body>, or "
@@ -171,6 +173,27 @@ TEST_F(References, AFeatureSeesItsBodyAsItWasBeforeIt) {
     geometry::ReferenceContext stranger{"Extrude9", "Body1"};
     EXPECT_EQ(resolveReference(document, "Body1/Extrude1.end", stranger).error(),
               "'Body1/Extrude1.end': Body1 has no feature Extrude9.");
+}
+
+TEST_F(References, ASketchSitsOnAPlaneOrAFlatFaceKeptByTheBodysId) {
+    sketchWithRectangles({{0, 0, 10, 10}});
+    ok("extrude", {{"sketch", "Sketch1"}, {"distance", 2}});
+    ok("rename_object", {{"object", "Body1"}, {"name", "Base"}});
+    ok("create_sketch", {{"on", "Base/Extrude1.end"}});
+    auto* onFace = document.findAs<SketchObject>("Sketch2");
+    ASSERT_NE(onFace, nullptr);
+    EXPECT_EQ(onFace->support, "Body1/Extrude1.end");
+    // Renamed again, the body still carries the sketch, which follows the face.
+    ok("rename_object", {{"object", "Body1"}, {"name", "Plate"}});
+    ok("edit_feature", {{"feature", "Extrude1"}, {"distance", 5}});
+    EXPECT_NEAR(onFace->origin[2], 5, 1e-9);
+
+    for (const char* notAPlane :
+         {"Sketch1", "Sketch1/Rectangle1.top", "Body1", "XAxis", "Gear/Extrude1.end"}) {
+        CommandResult refused = run("create_sketch", {{"on", notAPlane}});
+        EXPECT_EQ(refused.message,
+                  "'" + std::string(notAPlane) + "' isn't a plane or a flat face.");
+    }
 }
 
 } // namespace cad::testing
