@@ -126,6 +126,9 @@ private:
             if (auto* feature = dynamic_cast<const FeatureObject*>(user)) {
                 uses = feature->references();
                 if (const GeometryObject* body = doc.bodyOfFeature(feature->id)) {
+                    // A body that starts from its own shape (a box, an import) is
+                    // the step that creates it, so its features must follow it.
+                    if (doc.isHistoryStep(*body)) uses.push_back(body->id);
                     for (const std::string& earlier : body->features) {
                         if (earlier == feature->id) break;
                         uses.push_back(earlier);

@@ -181,6 +181,17 @@ TEST_F(History, MovingAStepKeepsWhatItUsesBeforeIt) {
     stack.undo();
     EXPECT_EQ(order().back(), "Plane1");
     EXPECT_EQ(order().front(), "Sketch1");
+
+    // A body that starts from its own shape is the step its features follow.
+    auto* box = add<GeometryObject>();
+    box->id = "Body2";
+    TopoDS_Vertex corner;
+    BRep_Builder().MakeVertex(corner, gp_Pnt(0, 0, 0), 1e-7);
+    box->baseShape = geometry::NamedShape(corner);
+    add<TestFeature>("Hole1");
+    box->features = {"Hole1"};
+    EXPECT_EQ(run(CommandRecord("move_step").set("step", "Hole1").set("before", "Body2")).message,
+              "Hole1 uses Body2, which would come after it.");
 }
 
 TEST_F(History, DeletingWhatIsUsed) {
