@@ -4,6 +4,10 @@
 
 #include "core/GeometryObject.h"
 
+#include <Standard_Failure.hxx>
+
+#include <exception>
+
 #include <set>
 
 namespace cad {
@@ -188,8 +192,10 @@ nlohmann::ordered_json writeDocumentJson(const Document& document, SideFiles& si
     return root;
 }
 
-Result<void> readDocumentJson(const nlohmann::json& root, const ArchiveReader& archive,
-                              const ObjectTypes& types, Document& doc) {
+namespace {
+
+Result<void> readRecords(const nlohmann::json& root, const ArchiveReader& archive,
+                         const ObjectTypes& types, Document& doc) {
     if (!root.is_object()) return fail("the document must be a JSON object");
     std::string rollback;
     if (auto it = root.find("settings"); it != root.end()) {
@@ -227,10 +233,49 @@ Result<void> readDocumentJson(const nlohmann::json& root, const ArchiveReader& a
             doc.add(std::move(object));
         }
     }
-    if (Result<void> ok = crossCheck(doc, types); !ok) return ok;
-    doc.setRollback(rollback, false);
-    doc.recomputeAll();
-    return {};
+    return crossCheck(doc, types);
+}
+
+// The rollback the file was saved with (checked by the reader above).
+std::string savedRollback(const nlohmann::json& root) {
+    auto settings = root.find("settings");
+    if (settings == root.end() || !settings->is_object()) return {};
+    auto rollback = settings->find("rollback");
+    return rollback != settings->end() && rollback->is_string() ? rollback->get<std::string>()
+                                                                : std::string();
+}
+
+} // namespace
+
+Result<void> readDocumentRecords(const nlohmann::json& root, const ArchiveReader& archive,
+                                 const ObjectTypes& types, Document& doc) {
+    // The readers check every key they take; this keeps a slip in one of them (or
+    // in a shape reader) a damaged file rather than an escaped exception.
+    try {
+        return readRecords(root, archive, types, doc);
+    } catch (const std::exception& e) {
+        return fail(e.what());
+    } catch (const Standard_Failure& e) {
+        return fail(e.GetMessageString());
+    }
+}
+
+Result<void> computeReadDocument(const nlohmann::json& root, Document& doc) {
+    try {
+        doc.setRollback(savedRollback(root), false);
+        doc.recomputeAll();
+        return {};
+    } catch (const std::exception& e) {
+        return fail(e.what());
+    } catch (const Standard_Failure& e) {
+        return fail(e.GetMessageString());
+    }
+}
+
+Result<void> readDocumentJson(const nlohmann::json& root, const ArchiveReader& archive,
+                              const ObjectTypes& types, Document& doc) {
+    if (Result<void> ok = readDocumentRecords(root, archive, types, doc); !ok) return ok;
+    return computeReadDocument(root, doc);
 }
 
 } // namespace cad

@@ -15,8 +15,18 @@ namespace cad {
 nlohmann::ordered_json writeDocumentJson(const Document& document, SideFiles& sideFiles,
                                          const ObjectTypes& types);
 
-// Reads the JSON into an empty document; a failure is the problem as a phrase
-// ("unknown object type \"Gizmo\"") for the caller to put after the file's name.
+// Reads the JSON into an empty document without computing anything; a failure is
+// the problem as a phrase ("unknown object type \"Gizmo\"") for the caller to put
+// after the file's name. Nothing is thrown, whatever the JSON holds.
+Result<void> readDocumentRecords(const nlohmann::json& json, const ArchiveReader& archive,
+                                 const ObjectTypes& types, Document& into);
+
+// Computes a freshly read document: the rollback its JSON was saved with, then every
+// sketch and body. A kernel failure on the way is the problem as a phrase; a
+// feature that fails keeps its error, as it would in the open document.
+Result<void> computeReadDocument(const nlohmann::json& json, Document& document);
+
+// Both, for callers that need no telling apart of damaged and invalid files.
 Result<void> readDocumentJson(const nlohmann::json& json, const ArchiveReader& archive,
                               const ObjectTypes& types, Document& into);
 

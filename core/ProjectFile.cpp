@@ -121,8 +121,10 @@ Result<std::unique_ptr<Document>> readProjectBytes(Bytes bytes, const std::strin
     if (!documentJson) return damaged(documentJson.error());
 
     auto document = std::make_unique<Document>();
-    if (Result<void> ok = readDocumentJson(*documentJson, **archive, types, *document); !ok)
+    if (Result<void> ok = readDocumentRecords(*documentJson, **archive, types, *document); !ok)
         return damaged(ok.error());
+    if (Result<void> ok = computeReadDocument(*documentJson, *document); !ok)
+        return fail(path + " has invalid geometry: " + ok.error());
     return document;
 }
 

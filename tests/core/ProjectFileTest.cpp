@@ -6,6 +6,8 @@
 #include "core/JsonLayout.h"
 #include "tests/core/TestObjects.h"
 
+#include <Standard_Failure.hxx>
+
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -169,6 +171,30 @@ TEST(ProjectFile, DamagedFilesAreReportedWithTheFileName) {
     };
     for (const Case& c : cases)
         EXPECT_EQ(readError(c.document), std::string("part.kv3 is damaged: ") + c.problem);
+}
+
+// An object whose recompute meets a kernel failure it doesn't catch.
+class Brittle : public test::Thing {
+public:
+    Brittle() : Thing("Brittle", "") {}
+    bool recompute(const Document&) override { throw Standard_Failure("the kernel gave up"); }
+};
+
+TEST(ProjectFile, NothingThrownWhileReadingEscapes) {
+    ObjectTypes types = testTypes();
+    types.add({"Trap", "trap", [] { return test::thing("Trap", ""); }, nullptr,
+               [](DocumentObject&, const nlohmann::json& r, const ArchiveReader&) -> Result<void> {
+                   (void)r.at("missing"); // a reader slip that throws
+                   return {};
+               }});
+    types.add({"Brittle", "brittle", [] { return std::make_unique<Brittle>(); }, nullptr, nullptr});
+    auto read = [&](const char* type) {
+        std::string document =
+            std::string(R"({"objects": [{"type": ")") + type + R"(", "name": "X"}]})";
+        return readProjectBytes(archiveWith(kManifest, document), "part.kv3", types).error();
+    };
+    EXPECT_EQ(read("Trap").rfind("part.kv3 is damaged: ", 0), 0u) << read("Trap");
+    EXPECT_EQ(read("Brittle"), "part.kv3 has invalid geometry: the kernel gave up");
 }
 
 TEST(ProjectFile, AFailedSaveKeepsTheOldFile) {
