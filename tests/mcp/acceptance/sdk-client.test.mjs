@@ -72,7 +72,7 @@ test('an SDK client models, queries, saves, reopens and undoes', async (t) => {
       'Created Body1 with Extrude1.');
     const wrong = await call(client, 'extrude', { sketch: 'Sketch1', distance: [1] });
     assert.equal(wrong.isError, true);
-    assert.equal(wrong.text, "'distance' must be a number, string or boolean");
+    assert.equal(wrong.text, "extrude: 'distance' must be a number, string or boolean.");
   });
 
   await t.test('queries see the body', async () => {
