@@ -2,7 +2,9 @@
 // command: title, document label, save button, undo and redo, units.
 #include "ui/MainWindow.h"
 
+#include "core/Version.h"
 #include "core/units/Length.h"
+#include "core/units/NameLookup.h"
 #include "mcp/AllCommands.h"
 #include "rendering/Viewport.h"
 #include "ui/MainWindowMcpHost.h"
@@ -15,7 +17,6 @@
 #include "ui/widgets/WindowTexts.h"
 
 #include <QAction>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFontMetrics>
 #include <QHBoxLayout>
@@ -28,12 +29,26 @@
 
 namespace cad::ui {
 
+namespace {
+
+// The window whose document names in expressions resolve against when no command
+// is running (fields of forms, hints); the newest window built.
+const MainWindow* resolvingWindow = nullptr;
+
+} // namespace
+
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent), stack_(document_, registry_), prompt_(dialogPrompt()) {
     setObjectName(QStringLiteral("mainWindow"));
 
-    // 1. The model, its commands and the view that shows it.
+    // 1. The model, its commands and the view that shows it. Names typed outside
+    // commands resolve against this window's document: the member stays the same
+    // object when New or Open replaces its contents, so it follows them.
     mcp::registerAllCommands(registry_);
+    units::installDefaultResolver(
+        [this](std::string_view name) { return document_.parameterLookup()(name); },
+        [this] { return document_.lengthUnit(); });
+    resolvingWindow = this;
     viewport_ = new rendering::Viewport(this);
     viewport_->setObjectName(QStringLiteral("viewport"));
     presenter_ = std::make_unique<DocumentPresenter>(*viewport_);
@@ -94,12 +109,16 @@ MainWindow::~MainWindow() {
     // The agents stop before anything they could reach goes away.
     bridge_.reset();
     host_.reset();
+    if (resolvingWindow == this) {
+        units::installDefaultResolver({}, {});
+        resolvingWindow = nullptr;
+    }
 }
 
 void MainWindow::startAgents() {
     host_ = std::make_unique<MainWindowMcpHost>(*this);
-    bridge_ = std::make_unique<McpBridge>(*host_, QStringLiteral("v") +
-                                                      QCoreApplication::applicationVersion());
+    // The same version the headless server gives agents.
+    bridge_ = std::make_unique<McpBridge>(*host_, QString::fromLatin1(kApplicationVersion));
 }
 
 CommandResult MainWindow::runCommand(const CommandRecord& record) {

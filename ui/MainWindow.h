@@ -14,10 +14,12 @@
 #include "ui/WindowPrompt.h"
 
 #include <QMainWindow>
+#include <QPointF>
 #include <QString>
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -93,8 +95,9 @@ public:
     bool saveAs();
     void openRecent(const QString& path);
     void addBox();
-    // Deletes what is selected in the view: whole objects, or a toast for faces,
-    // edges and vertices, which can't go on their own.
+    // Deletes what is selected in the view: whole objects (a body picked with the
+    // body filter or by a double-click), or a toast for faces, edges and vertices,
+    // which can't go on their own.
     void deleteSelection();
     // Deletes the objects, asking first when objects outside the list use them.
     void deleteObjects(const std::vector<std::string>& ids);
@@ -126,11 +129,15 @@ private:
     void layoutCubeControls();
     void writeRecentFiles(const QStringList& files);
     bool handleDrop(QEvent* event);
+    // Selects, as a whole, the body under this view point; false when there is none.
+    bool selectBodyAt(QPointF position);
 
     Document document_;
     CommandRegistry registry_;
     CommandStack stack_;
     std::uint64_t savedPosition_ = 0;
+    // Where a double-click in the view asks for its whole body, until the button is up.
+    std::optional<QPointF> pendingBodyPick_;
     // Whether the view showed a body after the last command: the first body to
     // appear, whoever made it, is fitted into view.
     bool viewHadBodies_ = false;
@@ -148,6 +155,7 @@ private:
         QAction* remove = nullptr;
         QAction* fit = nullptr;
         QAction* clearSelection = nullptr;
+        QAction* bodies = nullptr;
         QAction* faces = nullptr;
         QAction* edges = nullptr;
         QAction* vertices = nullptr;

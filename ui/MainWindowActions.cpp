@@ -1,9 +1,10 @@
 // The main window's actions and where they live: the menu, the top bar with its
 // tool strip, units and selection filter, the sidebar and the buttons around the
-// view cube; and the actions that run commands straight away (Box, Delete).
+// view cube; and Box, which runs its command straight away.
 #include "ui/MainWindow.h"
 
 #include "core/GeometryObject.h"
+#include "core/Version.h"
 #include "core/units/Length.h"
 #include "rendering/Viewport.h"
 #include "ui/DataPaths.h"
@@ -17,7 +18,6 @@
 
 #include <BRepBndLib.hxx>
 #include <Bnd_Box.hxx>
-#include <StdSelect_BRepOwner.hxx>
 
 #include <QAction>
 #include <QActionGroup>
@@ -108,28 +108,38 @@ void MainWindow::buildActions() {
     a.clearSelection->setIcon(QIcon());
     connect(a.clearSelection, &QAction::triggered, this, &MainWindow::clearSelection);
 
-    // The selection filter: what a plain click in the view picks on a body.
-    const std::array<std::pair<QAction**, QString>, 3> filters{
-        {{&a.faces, QStringLiteral("Faces")},
-         {&a.edges, QStringLiteral("Edges")},
-         {&a.vertices, QStringLiteral("Vertices")}}};
-    const std::array<QString, 3> filterIcons{QStringLiteral("face"), QStringLiteral("edge"),
-                                             QStringLiteral("vertex")};
-    const std::array<bool, 3> filterState{presenter_->facesSelectable(),
-                                          presenter_->edgesSelectable(),
-                                          presenter_->verticesSelectable()};
-    for (std::size_t i = 0; i < filters.size(); ++i) {
-        const QString& label = filters[i].second;
-        QAction* action = makeAction(this, filterIcons[i], label, label.toLower() + "Filter",
+    // The selection filter: what a plain click in the view picks on a body. Bodies
+    // take the whole body, so they exclude the body's faces, edges and vertices.
+    const std::array<std::tuple<QAction**, QString, QString, bool>, 4> filters{{
+        {&a.bodies, QStringLiteral("Bodies"), QStringLiteral("body"),
+         presenter_->bodiesSelectable()},
+        {&a.faces, QStringLiteral("Faces"), QStringLiteral("face"), presenter_->facesSelectable()},
+        {&a.edges, QStringLiteral("Edges"), QStringLiteral("edge"), presenter_->edgesSelectable()},
+        {&a.vertices, QStringLiteral("Vertices"), QStringLiteral("vertex"),
+         presenter_->verticesSelectable()},
+    }};
+    for (const auto& [slot, label, iconName, on] : filters) {
+        QAction* action = makeAction(this, iconName, label, label.toLower() + "Filter",
                                      QStringLiteral("Select %1").arg(label.toLower()));
         action->setCheckable(true);
-        action->setChecked(filterState[i]);
-        *filters[i].first = action;
+        action->setChecked(on);
+        *slot = action;
     }
-    for (QAction* action : {a.faces, a.edges, a.vertices})
-        connect(action, &QAction::toggled, this, [this] {
-            presenter_->setSelectionFilter(actions_.faces->isChecked(), actions_.edges->isChecked(),
-                                           actions_.vertices->isChecked());
+    const auto applyFilter = [this] {
+        presenter_->setSelectionFilter(actions_.faces->isChecked(), actions_.edges->isChecked(),
+                                       actions_.vertices->isChecked(), actions_.bodies->isChecked());
+        viewport_->requestRedraw();
+    };
+    connect(a.bodies, &QAction::toggled, this, [this, applyFilter](bool on) {
+        if (on)
+            for (QAction* part : {actions_.faces, actions_.edges, actions_.vertices})
+                part->setChecked(false);
+        applyFilter();
+    });
+    for (QAction* part : {a.faces, a.edges, a.vertices})
+        connect(part, &QAction::toggled, this, [this, applyFilter](bool on) {
+            if (on) actions_.bodies->setChecked(false);
+            applyFilter();
         });
 
     a.origin = makeAction(this, QStringLiteral("origin"), QStringLiteral("Origin"),
@@ -342,7 +352,7 @@ QWidget* MainWindow::buildTopBar() {
     auto* segmentRow = new QHBoxLayout(segmented);
     segmentRow->setContentsMargins(2, 2, 2, 2);
     segmentRow->setSpacing(2);
-    for (QAction* filter : {actions_.faces, actions_.edges, actions_.vertices}) {
+    for (QAction* filter : {actions_.bodies, actions_.faces, actions_.edges, actions_.vertices}) {
         auto* button = new QToolButton(segmented);
         button->setDefaultAction(filter);
         button->setAutoRaise(true);
@@ -363,7 +373,7 @@ void MainWindow::buildSidebar() {
         QStringLiteral("tutorials"), QStringLiteral("tutorial"), QStringLiteral("Tutorials"),
         [site] { QDesktopServices::openUrl(QUrl(site + "/getting-started/install/")); });
     sidebar_->setVersionButton(
-        QStringLiteral("v") + QCoreApplication::applicationVersion(),
+        QStringLiteral("v") + QString::fromLatin1(kApplicationVersion),
         [site] { QDesktopServices::openUrl(QUrl(site + "/release-notes/")); });
 }
 
@@ -449,71 +459,6 @@ void MainWindow::addBox() {
     if (placed) record.set("x", x).set("y", 0.0).set("z", 0.0);
     // The command event fits the view when this is the first body.
     runCommand(record);
-}
-
-void MainWindow::clearSelection() {
-    const Handle(AIS_InteractiveContext)& context = viewport_->context();
-    if (context.IsNull()) return;
-    context->ClearSelected(false);
-    viewport_->requestRedraw();
-}
-
-void MainWindow::deleteSelection() {
-    const Handle(AIS_InteractiveContext)& context = viewport_->context();
-    if (context.IsNull()) return;
-    std::vector<std::string> objects;
-    bool parts = false;
-    for (context->InitSelected(); context->MoreSelected(); context->NextSelected()) {
-        const Handle(SelectMgr_EntityOwner) owner = context->SelectedOwner();
-        const Handle(StdSelect_BRepOwner) shapeOwner = Handle(StdSelect_BRepOwner)::DownCast(owner);
-        if (!shapeOwner.IsNull() && shapeOwner->ComesFromDecomposition()) {
-            parts = true;
-            continue;
-        }
-        const std::string id = presenter_->objectOf(owner);
-        if (!id.empty() && std::find(objects.begin(), objects.end(), id) == objects.end())
-            objects.push_back(id);
-    }
-    if (objects.empty()) {
-        if (parts)
-            showToast(
-                QStringLiteral("A face, edge or vertex can't be deleted on its own. To delete "
-                               "the body, select it in the browser."));
-        return;
-    }
-
-    deleteObjects(objects);
-}
-
-void MainWindow::deleteObjects(const std::vector<std::string>& objects) {
-    // Users outside the selection go too only when the user says so.
-    QStringList users;
-    for (const std::string& id : objects)
-        for (const std::string& user : document_.users(id))
-            if (std::find(objects.begin(), objects.end(), user) == objects.end() &&
-                !users.contains(QString::fromStdString(user)))
-                users.append(QString::fromStdString(user));
-    bool withDependents = false;
-    if (!users.isEmpty()) {
-        QStringList names;
-        for (const std::string& id : objects) names.append(QString::fromStdString(id));
-        const QString question =
-            QStringLiteral("%1 is used by %2.\n\nDelete those too?")
-                .arg(names.join(QStringLiteral(", ")), users.join(QStringLiteral(", ")));
-        if (!prompt_->askDeleteDependents(this, question)) return;
-        withDependents = true;
-    }
-
-    // One step to undo, however many objects went.
-    stack_.beginGroup();
-    for (const std::string& id : objects) {
-        if (!document_.find(id)) continue; // went with an earlier object's dependents
-        CommandRecord record("delete_object");
-        record.set("object", id.c_str());
-        if (withDependents) record.set("with_dependents", true);
-        if (!runCommand(record).ok) break;
-    }
-    stack_.endGroup();
 }
 
 } // namespace cad::ui

@@ -3,6 +3,7 @@
 #include "ui/MainWindow.h"
 
 #include "core/ProjectFile.h"
+#include "core/Version.h"
 #include "core/units/Length.h"
 #include "mcp/QueryTools.h"
 #include "rendering/Viewport.h"
@@ -14,7 +15,6 @@
 #include "ui/widgets/WindowTexts.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QDragEnterEvent>
@@ -35,7 +35,7 @@ const QString kFormerProjectSuffix = QStringLiteral("osv");
 const QString kRecentFilesKey = QStringLiteral("recentFiles");
 
 std::string generatorName() {
-    return ("Korvel Studio v" + QCoreApplication::applicationVersion()).toStdString();
+    return std::string("Korvel Studio v") + kApplicationVersion;
 }
 
 QString documentsFolder() {

@@ -9,6 +9,7 @@
 #include <QAction>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QTimer>
 #include <QToolButton>
 
@@ -122,6 +123,23 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
             if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
                 clearSelection();
                 return true;
+            }
+            break;
+        case QEvent::MouseButtonDblClick: {
+            // Without a tool, a double-click on a body's face selects the whole body:
+            // once the button is up, so the second click can't select the face again.
+            const auto* mouse = static_cast<QMouseEvent*>(event);
+            if (mouse->button() == Qt::LeftButton && !viewport_->tool()) {
+                pendingBodyPick_ = mouse->position();
+                return true;
+            }
+            break;
+        }
+        case QEvent::MouseButtonRelease:
+            if (pendingBodyPick_ && static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+                const QPointF position = *pendingBodyPick_;
+                pendingBodyPick_.reset();
+                QTimer::singleShot(0, this, [this, position] { selectBodyAt(position); });
             }
             break;
         case QEvent::DragEnter:

@@ -1,17 +1,19 @@
-// The main window's state after commands: title and modified mark, undo and redo,
-// Box placement, failures as toasts, deletion, the filter, units, and what the
-// menus, top bar and overlays hold.
+// The main window after commands and clicks: title, undo and redo, Box placement,
+// failures, picking bodies and deleting them, names typed outside commands, units,
+// and the overlays around the cube.
 #include "tests/ui/WindowFixture.h"
 
+#include "core/units/ExpressionParser.h"
+#include "core/units/NameLookup.h"
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/widgets/CommandLog.h"
 
 #include <AIS_InteractiveContext.hxx>
+#include <StdSelect_BRepOwner.hxx>
 
 #include <QAction>
 #include <QLabel>
 #include <QMenu>
-#include <QTextDocument>
 #include <QToolButton>
 
 namespace cad::ui::testing {
@@ -21,49 +23,21 @@ QAction* findAction(MainWindow& window, const QString& name) {
     return window.findChild<QAction*>(name);
 }
 
-TEST_F(WindowTest, TitleMarksChangesUntilUndoReturnsToTheSavedPosition) {
-    EXPECT_EQ(window->windowTitle(), QStringLiteral("Korvel Studio — Untitled"));
-    auto* label = window->findChild<QLabel*>(QStringLiteral("docTitle"));
-    ASSERT_NE(label, nullptr);
-    EXPECT_EQ(label->text(), QStringLiteral("Untitled"));
-    EXPECT_EQ(label->toolTip(), QStringLiteral("Not saved yet"));
-    auto* saveButton = window->findChild<QToolButton*>(QStringLiteral("saveButton"));
-    ASSERT_NE(saveButton, nullptr);
-    EXPECT_FALSE(saveButton->property("modified").toBool());
-
-    findAction(*window, QStringLiteral("box"))->trigger();
-    EXPECT_TRUE(window->isModified());
-    EXPECT_EQ(window->windowTitle(), QStringLiteral("Korvel Studio — Untitled •"));
-    EXPECT_TRUE(saveButton->property("modified").toBool());
-
-    findAction(*window, QStringLiteral("undo"))->trigger();
-    EXPECT_FALSE(window->isModified());
-    EXPECT_EQ(window->windowTitle(), QStringLiteral("Korvel Studio — Untitled"));
-    EXPECT_FALSE(saveButton->property("modified").toBool());
-
-    // Redo goes forward again: modified once more.
-    findAction(*window, QStringLiteral("redo"))->trigger();
-    EXPECT_EQ(window->windowTitle(), QStringLiteral("Korvel Studio — Untitled •"));
-}
-
-TEST_F(WindowTest, UndoAndRedoNameTheCommandTheyWouldActOn) {
+TEST_F(WindowTest, UndoRedoAndTheSaveMarkFollowTheStack) {
     QAction* undo = findAction(*window, QStringLiteral("undo"));
     QAction* redo = findAction(*window, QStringLiteral("redo"));
+    auto* saveButton = window->findChild<QToolButton*>(QStringLiteral("saveButton"));
+    ASSERT_TRUE(undo && redo && saveButton);
     EXPECT_FALSE(undo->isEnabled());
-    EXPECT_TRUE(undo->toolTip().contains(QStringLiteral("Nothing to undo")));
-    EXPECT_TRUE(redo->toolTip().contains(QStringLiteral("Nothing to redo")));
 
-    ASSERT_TRUE(addBox().ok);
-    EXPECT_TRUE(undo->isEnabled());
+    findAction(*window, QStringLiteral("box"))->trigger();
+    EXPECT_TRUE(saveButton->property("modified").toBool());
     EXPECT_TRUE(undo->toolTip().contains(QStringLiteral("create_box")));
-    EXPECT_TRUE(undo->toolTip().contains(QStringLiteral("Ctrl+Z")));
-    EXPECT_FALSE(redo->isEnabled());
-
     undo->trigger();
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Korvel Studio — Untitled"));
+    EXPECT_FALSE(saveButton->property("modified").toBool());
     EXPECT_FALSE(undo->isEnabled());
-    EXPECT_TRUE(redo->isEnabled());
     EXPECT_TRUE(redo->toolTip().contains(QStringLiteral("create_box")));
-    EXPECT_TRUE(undo->toolTip().contains(QStringLiteral("Nothing to undo")));
 }
 
 TEST_F(WindowTest, BoxStartsAtTheOriginAndLaterOnesGoBeyondTheLargestX) {
@@ -72,11 +46,9 @@ TEST_F(WindowTest, BoxStartsAtTheOriginAndLaterOnesGoBeyondTheLargestX) {
     const Bnd_Box first = bodyBox(window->document(), "Box1");
     ASSERT_FALSE(first.IsVoid());
     EXPECT_NEAR(first.CornerMin().X(), 0, 1e-6);
-    EXPECT_NEAR(first.CornerMin().Y(), 0, 1e-6);
     EXPECT_NEAR(first.CornerMax().X(), 100, 1e-6);
     EXPECT_NEAR(first.CornerMax().Y(), 50, 1e-6);
     EXPECT_NEAR(first.CornerMax().Z(), 25, 1e-6);
-    EXPECT_FALSE(window->presenter().presentationOf("Box1").IsNull());
 
     // A body placed further out decides where the next one goes, not the newest.
     ASSERT_TRUE(addBox(300).ok);
@@ -86,133 +58,207 @@ TEST_F(WindowTest, BoxStartsAtTheOriginAndLaterOnesGoBeyondTheLargestX) {
     ASSERT_FALSE(next.IsVoid());
     EXPECT_NEAR(next.CornerMin().X(), 330, 1e-6);
     EXPECT_NEAR(next.CornerMin().Y(), 0, 1e-6);
-    EXPECT_NEAR(next.CornerMin().Z(), 0, 1e-6);
 }
 
 TEST_F(WindowTest, AFailedCommandShowsAToastAndARedLineAndChangesNothing) {
     ASSERT_TRUE(addBox().ok);
-    const std::size_t before = window->document().objects().size();
     const CommandResult result = window->runCommand(
         CommandRecord("create_box").set("width", 0.0).set("depth", 5.0).set("height", 5.0));
     ASSERT_FALSE(result.ok);
-    EXPECT_EQ(window->document().objects().size(), before);
+    EXPECT_EQ(window->document().objects().size(), 1u);
+    EXPECT_EQ(window->commandStack().undoCount(), 1u);
 
     QLabel& toast = window->toastLabel();
     EXPECT_TRUE(toast.isVisible());
     EXPECT_EQ(toast.text(), QString::fromStdString(result.message));
-    // The toast sits over the view, clear of the cube's corner.
-    const int corner = window->viewport().cubeCornerSize();
-    EXPECT_LE(toast.geometry().right(), window->viewport().width() - corner / 2);
-
-    const QString log = window->commandLog().document()->toHtml();
-    EXPECT_TRUE(log.contains(QStringLiteral("#e06a6a"))) << log.toStdString();
-    EXPECT_TRUE(
-        window->commandLog().toPlainText().contains(QString::fromStdString(result.message)));
-    // The failure is not a step to undo.
-    EXPECT_TRUE(findAction(*window, QStringLiteral("undo"))
-                    ->toolTip()
-                    .contains(QStringLiteral("create_box")));
-    EXPECT_EQ(window->commandStack().undoCount(), 1u);
+    EXPECT_TRUE(window->commandLog().document()->toHtml().contains(QStringLiteral("#e06a6a")));
 }
 
-// A sketch with a rectangle extruded into Body1: the sketch is used by others.
-void buildExtrudedSketch(MainWindow& window) {
-    ASSERT_TRUE(window.runCommand(CommandRecord("create_sketch").set("plane", "XY")).ok);
-    ASSERT_TRUE(window
-                    .runCommand(CommandRecord("add_rectangle")
-                                    .set("sketch", "Sketch1")
-                                    .set("x1", 0.0)
-                                    .set("y1", 0.0)
-                                    .set("x2", 40.0)
-                                    .set("y2", 30.0))
-                    .ok);
-    const CommandResult extruded =
-        window.runCommand(CommandRecord("extrude").set("sketch", "Sketch1").set("distance", 10.0));
-    ASSERT_TRUE(extruded.ok) << extruded.message;
-}
+// Bodies in the view, picked with real clicks, looking straight down on them.
+class PickTest : public WindowTest {
+protected:
+    void SetUp() override {
+        WindowTest::SetUp();
+        findAction(*window, QStringLiteral("showOrigin"))->setChecked(false);
+    }
+    // Where a model point shows in the view, once the view is settled from above.
+    QPoint shownAt(double x, double y, double z) {
+        rendering::Viewport& view = window->viewport();
+        view.setStandardView(V3d_Zpos, false);
+        view.fitAll();
+        view.repaint();
+        int px = 0, py = 0;
+        view.view()->Convert(x, y, z, px, py);
+        const double ratio = view.devicePixelRatioF();
+        return QPoint(static_cast<int>(px / ratio), static_cast<int>(py / ratio));
+    }
+    const Handle(AIS_InteractiveContext) & context() { return window->viewport().context(); }
+    // Clicks there until something is selected; picking works once the view has
+    // drawn at its final size.
+    bool click(QPoint at) {
+        return waitUntil([&] {
+            QTest::mouseClick(&window->viewport(), Qt::LeftButton, {}, at);
+            return waitUntil([&] { return context()->NbSelected() > 0; }, 300);
+        });
+    }
+    // A double-click as Qt delivers it: click, press, double-click, release.
+    bool doubleClick(QPoint at) {
+        QWidget* view = &window->viewport();
+        return waitUntil([&] {
+            QTest::mouseClick(view, Qt::LeftButton, {}, at);
+            QTest::mousePress(view, Qt::LeftButton, {}, at);
+            QTest::mouseDClick(view, Qt::LeftButton, {}, at);
+            QTest::mouseRelease(view, Qt::LeftButton, {}, at);
+            return waitUntil([&] { return !wholeSelection().empty(); }, 300);
+        });
+    }
+    // The object selected as a whole, empty when a face, edge or vertex is selected.
+    std::string wholeSelection() {
+        if (context()->NbSelected() != 1) return {};
+        context()->InitSelected();
+        const Handle(SelectMgr_EntityOwner) owner = context()->SelectedOwner();
+        const auto shape = Handle(StdSelect_BRepOwner)::DownCast(owner);
+        if (shape.IsNull() || shape->ComesFromDecomposition()) return {};
+        return window->presenter().objectOf(owner);
+    }
+    QString logged(const CommandRecord& record) {
+        return QStringLiteral("> ") + QString::fromStdString(record.toCall());
+    }
+};
 
-TEST_F(WindowTest, DeletingAnObjectOthersUseAsksFirstAndUndoesAsOneStep) {
-    buildExtrudedSketch(*window);
-    const std::size_t objects = window->document().objects().size();
-    const std::size_t steps = window->commandStack().undoCount();
+TEST_F(PickTest, TheBodyFilterPicksWholeBodiesForDeleteAndFacesAreRefused) {
+    ASSERT_TRUE(addBox().ok);
+    ASSERT_TRUE(addBox(30).ok);
+    QAction* bodies = findAction(*window, QStringLiteral("bodiesFilter"));
+    QAction* faces = findAction(*window, QStringLiteral("facesFilter"));
+    ASSERT_TRUE(bodies && faces);
+    EXPECT_FALSE(bodies->isChecked());
+    bodies->trigger();
+    EXPECT_FALSE(faces->isChecked());
+    EXPECT_TRUE(window->presenter().bodiesSelectable());
+    EXPECT_FALSE(window->presenter().facesSelectable());
 
-    // Cancelled: nothing goes.
-    prompts.deleteAll = false;
-    window->deleteObjects({"Sketch1"});
-    ASSERT_EQ(prompts.asked.size(), 1);
-    EXPECT_TRUE(prompts.asked[0].startsWith(QStringLiteral("Delete|Sketch1 is used by ")))
-        << prompts.asked[0].toStdString();
-    EXPECT_TRUE(prompts.asked[0].endsWith(QStringLiteral(".\n\nDelete those too?")));
-    EXPECT_EQ(window->document().objects().size(), objects);
-
-    // Delete All: the sketch and its users go, and one undo brings them all back.
-    prompts.deleteAll = true;
-    window->deleteObjects({"Sketch1"});
-    EXPECT_EQ(window->document().find("Sketch1"), nullptr);
-    EXPECT_EQ(window->document().find("Extrude1"), nullptr);
-    EXPECT_EQ(window->commandStack().undoCount(), steps + 1);
-    findAction(*window, QStringLiteral("undo"))->trigger();
-    EXPECT_EQ(window->document().objects().size(), objects);
-    EXPECT_FALSE(window->presenter().presentationOf("Sketch1").IsNull());
-}
-
-TEST_F(WindowTest, AFacePickedInTheViewIsNotDeletedOnItsOwn) {
-    findAction(*window, QStringLiteral("showOrigin"))->setChecked(false);
-    findAction(*window, QStringLiteral("box"))->trigger();
-    rendering::Viewport& view = window->viewport();
-    view.setStandardView(V3d_Zpos, false);
-    view.fitAll();
-    view.repaint();
-    const Handle(AIS_InteractiveContext)& context = view.context();
-    const double ratio = view.devicePixelRatioF();
-    // Picking works once the view has drawn at its final size.
-    ASSERT_TRUE(waitUntil([&] {
-        context->MoveTo(static_cast<int>(view.width() / 2 * ratio),
-                        static_cast<int>(view.height() / 2 * ratio), view.view(), false);
-        return context->HasDetected();
-    }));
-    context->SelectDetected();
-    ASSERT_EQ(context->NbSelected(), 1);
-
+    ASSERT_TRUE(click(shownAt(5, 5, 10)));
+    EXPECT_EQ(wholeSelection(), "Box1");
     findAction(*window, QStringLiteral("delete"))->trigger();
-    EXPECT_NE(window->document().find("Box1"), nullptr);
+    EXPECT_EQ(window->document().find("Box1"), nullptr);
+    EXPECT_NE(window->document().find("Box2"), nullptr);
+    EXPECT_TRUE(prompts.asked.isEmpty());
+    EXPECT_TRUE(window->commandLog().toPlainText().contains(
+        logged(CommandRecord("delete_object").set("object", "Box1"))));
+
+    // Faces again: a face picked alone can't be deleted.
+    faces->trigger();
+    EXPECT_FALSE(bodies->isChecked());
+    EXPECT_FALSE(window->presenter().bodiesSelectable());
+    ASSERT_TRUE(click(shownAt(35, 5, 10)));
+    EXPECT_EQ(wholeSelection(), "");
+    findAction(*window, QStringLiteral("delete"))->trigger();
+    EXPECT_NE(window->document().find("Box2"), nullptr);
     EXPECT_EQ(window->toastLabel().text(),
               QStringLiteral("A face, edge or vertex can't be deleted on its own. To delete the "
                              "body, select it in the browser."));
 
-    // Esc (Clear Selection) empties the selection.
+    // Esc empties the selection; Delete then does nothing.
     findAction(*window, QStringLiteral("clearSelection"))->trigger();
-    EXPECT_EQ(context->NbSelected(), 0);
-}
-
-TEST_F(WindowTest, DeleteWithNothingSelectedDoesNothing) {
-    ASSERT_TRUE(addBox().ok);
-    window->clearSelection();
+    EXPECT_EQ(context()->NbSelected(), 0);
     findAction(*window, QStringLiteral("delete"))->trigger();
-    EXPECT_NE(window->document().find("Box1"), nullptr);
+    EXPECT_NE(window->document().find("Box2"), nullptr);
+}
+
+TEST_F(PickTest, ADoubleClickedBodyWithUsersAsksBeforeDeleting) {
+    ASSERT_TRUE(addBox().ok);
+    const CommandResult sketched =
+        window->runCommand(CommandRecord("create_sketch").set("on", "Box1/Box1.top"));
+    ASSERT_TRUE(sketched.ok) << sketched.message;
+    const std::size_t objects = window->document().objects().size();
+    const std::size_t steps = window->commandStack().undoCount();
+
+    // A double-click on the top face, with the face filter on, selects the body.
+    ASSERT_TRUE(doubleClick(shownAt(5, 5, 10)));
+    EXPECT_EQ(wholeSelection(), "Box1");
+
+    // Cancelled: nothing goes, and nothing failed.
+    prompts.deleteAll = false;
+    findAction(*window, QStringLiteral("delete"))->trigger();
+    EXPECT_EQ(prompts.asked,
+              QStringList({QStringLiteral("Delete|Box1 is used by Sketch1.\n\nDelete those too?")}));
+    EXPECT_EQ(window->document().objects().size(), objects);
     EXPECT_FALSE(window->toastLabel().isVisible());
+    EXPECT_EQ(window->commandStack().undoCount(), steps);
+
+    // Delete All: the body and its user go in one step to undo.
+    prompts.deleteAll = true;
+    findAction(*window, QStringLiteral("delete"))->trigger();
+    EXPECT_EQ(window->document().find("Box1"), nullptr);
+    EXPECT_EQ(window->document().find("Sketch1"), nullptr);
+    EXPECT_TRUE(window->commandLog().toPlainText().contains(logged(
+        CommandRecord("delete_object").set("object", "Box1").set("with_dependents", true))));
+    EXPECT_EQ(window->commandStack().undoCount(), steps + 1);
+    findAction(*window, QStringLiteral("undo"))->trigger();
+    EXPECT_EQ(window->document().objects().size(), objects);
+    EXPECT_FALSE(window->presenter().presentationOf("Box1").IsNull());
 }
 
-TEST_F(WindowTest, FilterTogglesReachThePresenter) {
-    QAction* faces = findAction(*window, QStringLiteral("facesFilter"));
-    QAction* edges = findAction(*window, QStringLiteral("edgesFilter"));
-    QAction* vertices = findAction(*window, QStringLiteral("verticesFilter"));
-    ASSERT_TRUE(faces && edges && vertices);
-    EXPECT_EQ(faces->isChecked(), window->presenter().facesSelectable());
-
-    edges->setChecked(true);
-    EXPECT_TRUE(window->presenter().edgesSelectable());
-    faces->setChecked(false);
-    EXPECT_FALSE(window->presenter().facesSelectable());
-    vertices->setChecked(true);
-    EXPECT_TRUE(window->presenter().verticesSelectable());
-    vertices->setChecked(false);
-    EXPECT_FALSE(window->presenter().verticesSelectable());
+TEST_F(WindowTest, ObjectsThatUseEachOtherGoTogetherWithoutAsking) {
+    // A sketch and the extrusion that uses it, deleted together.
+    ASSERT_TRUE(window->runCommand(CommandRecord("create_sketch").set("plane", "XY")).ok);
+    ASSERT_TRUE(window
+                    ->runCommand(CommandRecord("add_rectangle")
+                                     .set("sketch", "Sketch1")
+                                     .set("x1", 0.0)
+                                     .set("y1", 0.0)
+                                     .set("x2", 40.0)
+                                     .set("y2", 30.0))
+                    .ok);
+    ASSERT_TRUE(
+        window->runCommand(CommandRecord("extrude").set("sketch", "Sketch1").set("distance", 10.0))
+            .ok);
+    window->deleteObjects({"Sketch1", "Body1"});
+    EXPECT_TRUE(prompts.asked.isEmpty());
+    EXPECT_FALSE(window->toastLabel().isVisible()) << window->toastLabel().text().toStdString();
+    EXPECT_TRUE(window->document().objects().empty());
 }
 
-TEST_F(WindowTest, OriginToggleIsRemembered) {
+TEST_F(WindowTest, NamesTypedOutsideACommandResolveInTheWindowsDocument) {
+    // What a form's field does with "w + 1": the current document's parameter, and
+    // bare numbers in its unit; a New document in between changes nothing.
+    ASSERT_TRUE(addBox().ok);
+    window->newDocument();
+    ASSERT_TRUE(window->runCommand(CommandRecord("set_units").set("length", "in")).ok);
+    ASSERT_TRUE(
+        window->runCommand(CommandRecord("set_parameter").set("name", "w").set("expression", "2in"))
+            .ok);
+    EXPECT_EQ(units::currentLengthUnit(), units::Length::Inches);
+    const Result<double> typed = units::readLengthText("w + 1");
+    ASSERT_TRUE(typed.ok()) << typed.error();
+    EXPECT_NEAR(*typed, 76.2, 1e-9);
+    // The same text in a command gives the same length.
+    ASSERT_TRUE(window
+                    ->runCommand(CommandRecord("create_box")
+                                     .set("width", "w + 1")
+                                     .set("depth", 5.0)
+                                     .set("height", 5.0))
+                    .ok);
+    EXPECT_NEAR(bodyBox(window->document(), "Box1").CornerMax().X(), 76.2, 1e-6);
+
+    window->newDocument();
+    EXPECT_FALSE(units::readLengthText("w + 1").ok());
+    EXPECT_EQ(units::currentLengthUnit(), window->document().lengthUnit());
+}
+
+TEST_F(WindowTest, UnitButtonAndOriginToggle) {
+    auto* button = window->findChild<QToolButton*>(QStringLiteral("unitButton"));
+    ASSERT_NE(button, nullptr);
+    EXPECT_EQ(button->text(), QStringLiteral("mm"));
+    for (QAction* choice : button->menu()->actions())
+        if (choice->text() == QStringLiteral("Inches")) choice->trigger();
+    EXPECT_EQ(button->text(), QStringLiteral("in"));
+    window->commandStack().undo();
+    EXPECT_EQ(button->text(), QStringLiteral("mm"));
+
+    // The origin's visibility is remembered for the next session.
     QAction* origin = findAction(*window, QStringLiteral("showOrigin"));
-    ASSERT_NE(origin, nullptr);
     waitUntil([] { return false; }, 50); // the deferred start-up work
     EXPECT_EQ(window->presenter().originVisible(), origin->isChecked());
     origin->setChecked(!origin->isChecked());
@@ -220,55 +266,21 @@ TEST_F(WindowTest, OriginToggleIsRemembered) {
     EXPECT_EQ(QSettings().value(QStringLiteral("view/origin")).toBool(), origin->isChecked());
 }
 
-TEST_F(WindowTest, UnitButtonRunsSetUnitsAndFollowsUndo) {
-    auto* button = window->findChild<QToolButton*>(QStringLiteral("unitButton"));
-    ASSERT_NE(button, nullptr);
-    EXPECT_EQ(button->text(), QStringLiteral("mm"));
-    QAction* inches = nullptr;
-    for (QAction* choice : button->menu()->actions())
-        if (choice->text() == QStringLiteral("Inches")) inches = choice;
-    ASSERT_NE(inches, nullptr);
-    inches->trigger();
-    EXPECT_EQ(button->text(), QStringLiteral("in"));
-    window->commandStack().undo();
-    EXPECT_EQ(button->text(), QStringLiteral("mm"));
-}
-
-TEST_F(WindowTest, MenusHoldOnlyWhatIsBuilt) {
-    auto* menuButton = window->findChild<QToolButton*>(QStringLiteral("menuButton"));
-    ASSERT_NE(menuButton, nullptr);
-    QStringList layout;
-    for (QAction* entry : menuButton->menu()->actions()) {
-        QStringList items;
-        for (QAction* item : entry->menu()->actions())
-            items.append(item->isSeparator() ? QStringLiteral("-") : item->text());
-        layout.append(entry->text() + ": " + items.join(QStringLiteral(", ")));
-    }
-    EXPECT_EQ(layout,
-              QStringList({
-                  "File: New, Open…, Open Recent, -, Save, Save As…",
-                  "Edit: Undo, Redo, -, Delete, Clear Selection",
-                  "Create: Box",
-                  "View: Home View, Fit, -, Front, Top, Right, Isometric, -, Origin, Command Log",
-                  "Help: Capture Window, Open Crash Reports Folder",
-              }));
-}
-
 TEST_F(WindowTest, OverlaysAndCubeControlsStayClearOfTheCube) {
     auto* hint = window->findChild<QLabel*>(QStringLiteral("hint"));
     ASSERT_NE(hint, nullptr);
-    EXPECT_EQ(hint->text(),
-              QStringLiteral("Middle-drag pan  ·  Right-drag orbit  ·  Wheel zoom  ·  F fit"));
-    auto* hud = window->findChild<QLabel*>(QStringLiteral("hud"));
-    ASSERT_NE(hud, nullptr);
-    EXPECT_FALSE(hud->isVisible());
+    QAction* logToggle = findAction(*window, QStringLiteral("commandLogToggle"));
+    auto* logPanel = window->findChild<QWidget*>(QStringLiteral("commandLogPanel"));
+    ASSERT_TRUE(logToggle && logPanel);
+    EXPECT_FALSE(logPanel->isVisible());
+    logToggle->setChecked(true);
+    EXPECT_TRUE(logPanel->isVisible());
 
     for (const QSize size : {QSize(1200, 800), QSize(700, 500)}) {
         window->resize(size);
         waitUntil([&] { return window->size() == size; }, 2000);
         rendering::Viewport& view = window->viewport();
-        const double ratio = view.devicePixelRatioF();
-        const int corner = static_cast<int>(view.cubeCornerSize() / ratio);
+        const int corner = static_cast<int>(view.cubeCornerSize() / view.devicePixelRatioF());
         const QRect cube(view.width() - corner, 0, corner, corner);
         const QList<QToolButton*> controls =
             view.findChildren<QToolButton*>(QStringLiteral("cubeControl"));
@@ -276,30 +288,12 @@ TEST_F(WindowTest, OverlaysAndCubeControlsStayClearOfTheCube) {
         for (QToolButton* control : controls) {
             EXPECT_FALSE(control->geometry().intersects(cube));
             EXPECT_TRUE(view.rect().contains(control->geometry()))
-                << control->property("cubeRole").toString().toStdString() << " " << control->x()
-                << "," << control->y() << " in " << view.width() << "x" << view.height();
+                << control->property("cubeRole").toString().toStdString();
         }
         window->showToast(QStringLiteral("A short note"));
         EXPECT_FALSE(window->toastLabel().geometry().intersects(cube));
-        EXPECT_TRUE(view.rect().contains(hint->geometry()))
-            << hint->x() << "," << hint->y() << " " << hint->width() << "x" << hint->height()
-            << " in " << view.width() << "x" << view.height();
+        EXPECT_TRUE(view.rect().contains(hint->geometry()));
     }
-}
-
-TEST_F(WindowTest, CommandLogToggleShowsItsPanel) {
-    QAction* toggle = findAction(*window, QStringLiteral("commandLogToggle"));
-    ASSERT_NE(toggle, nullptr);
-    EXPECT_EQ(toggle->shortcut(), QKeySequence(QStringLiteral("Ctrl+L")));
-    auto* panel = window->findChild<QWidget*>(QStringLiteral("commandLogPanel"));
-    ASSERT_NE(panel, nullptr);
-    EXPECT_FALSE(panel->isVisible());
-    toggle->setChecked(true);
-    EXPECT_TRUE(panel->isVisible());
-    ASSERT_TRUE(addBox().ok);
-    EXPECT_TRUE(window->commandLog().toPlainText().contains(QStringLiteral("create_box(")));
-    toggle->setChecked(false);
-    EXPECT_FALSE(panel->isVisible());
 }
 
 } // namespace

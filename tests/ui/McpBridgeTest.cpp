@@ -1,24 +1,18 @@
-// Agents in the window: a real local-socket client drives the open window through
-// the bridge, sees it live, changes it undoably, captures and turns the view. (That
-// KORVEL_MCP=0 and closing leave no socket is checked end to end on the program.)
+// Agents in the window through a real local-socket client: what the window's host
+// answers that the end-to-end test does not reach (the version it reports, the
+// user's unsaved work, view names, a second window waiting for the socket).
 #include "tests/ui/WindowFixture.h"
 
+#include "core/Version.h"
 #include "mcp/SocketPath.h"
 #include "ui/McpBridge.h"
-#include "ui/presentation/DocumentPresenter.h"
 
-#include <AIS_InteractiveObject.hxx>
-#include <Quantity_Color.hxx>
 
-#include <QAction>
 #include <QByteArray>
-#include <QColor>
-#include <QImage>
 #include <QLocalSocket>
 
 #include <nlohmann/json.hpp>
 
-#include <cmath>
 
 namespace cad::ui::testing {
 namespace {
@@ -70,36 +64,19 @@ protected:
     }
 };
 
-TEST_F(AgentTest, AnAgentSeesTheWindowLiveAndItsChangesUndoFromTheWindow) {
+TEST_F(AgentTest, TheWindowReportsTheVersionTheHeadlessServerReports) {
     ASSERT_NE(window->mcpBridge(), nullptr);
-    EXPECT_EQ(mcp::pathKind(mcp::mcpSocketPath()), mcp::PathKind::Socket);
     AgentClient agent(mcp::mcpSocketPath());
     ASSERT_TRUE(agent.connected());
-
     const json hello = agent.request("initialize", {{"protocolVersion", "2024-11-05"}});
     ASSERT_TRUE(hello.contains("result")) << hello.dump();
-    EXPECT_EQ(hello["result"]["protocolVersion"], "2025-06-18");
-    EXPECT_EQ(hello["result"]["serverInfo"]["version"],
-              "v" + QCoreApplication::applicationVersion().toStdString());
-    EXPECT_NE(
-        hello["result"]["instructions"].get<std::string>().find("You are driving the user's open"),
-        std::string::npos);
+    EXPECT_EQ(hello["result"]["serverInfo"]["version"], std::string(kApplicationVersion));
+    EXPECT_NE(std::string(kApplicationVersion), "");
 
-    const json document =
-        json::parse(AgentClient::text(agent.call("get_document")), nullptr, false);
-    ASSERT_TRUE(document.is_object());
-    EXPECT_EQ(document["live"], true);
-
-    const json created = agent.call("create_box", {{"width", 30}, {"depth", 20}, {"height", 10}});
-    ASSERT_EQ(created.value("isError", true), false) << created.dump();
-    EXPECT_FALSE(window->presenter().presentationOf("Box1").IsNull());
-    EXPECT_TRUE(window->isModified());
-    EXPECT_EQ(window->windowTitle(), QStringLiteral("Korvel Studio — Untitled •"));
-
-    window->findChild<QAction*>(QStringLiteral("undo"))->trigger();
-    EXPECT_EQ(window->document().find("Box1"), nullptr);
-    EXPECT_TRUE(window->presenter().presentationOf("Box1").IsNull());
-    EXPECT_FALSE(window->isModified());
+    // Views by name; an unknown one is refused with the names there are.
+    EXPECT_EQ(agent.call("set_view", {{"view", "top"}}).value("isError", true), false);
+    EXPECT_EQ(AgentClient::text(agent.call("set_view", {{"view", "side"}})),
+              "Unknown view 'side'. Expected top, front, right, iso or fit.");
 }
 
 TEST_F(AgentTest, UnsavedChangesAreTheUsersToDrop) {
@@ -129,55 +106,6 @@ TEST_F(AgentTest, UnsavedChangesAreTheUsersToDrop) {
     EXPECT_EQ(fresh.value("isError", true), false) << fresh.dump();
     EXPECT_TRUE(window->document().objects().empty());
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Korvel Studio — Untitled"));
-}
-
-TEST_F(AgentTest, ScreenshotShowsTheBodyInTheMiddle) {
-    AgentClient agent(mcp::mcpSocketPath());
-    ASSERT_TRUE(agent.connected());
-    // Only the body in view: the origin's planes would take part in the fit.
-    window->findChild<QAction*>(QStringLiteral("showOrigin"))->setChecked(false);
-    ASSERT_EQ(agent.call("create_box", {{"width", 80}, {"depth", 80}, {"height", 80}})
-                  .value("isError", true),
-              false);
-    const json turned = agent.call("set_view", {{"view", "top"}});
-    EXPECT_EQ(turned.value("isError", true), false) << turned.dump();
-    const json unknown = agent.call("set_view", {{"view", "side"}});
-    EXPECT_EQ(AgentClient::text(unknown),
-              "Unknown view 'side'. Expected top, front, right, iso or fit.");
-    ASSERT_EQ(agent.call("set_view", {{"view", "fit"}}).value("isError", true), false);
-
-    const json shot = agent.call("screenshot");
-    ASSERT_EQ(shot.value("isError", true), false) << shot.dump().substr(0, 300);
-    const json& picture = shot["content"][0];
-    ASSERT_EQ(picture.value("type", ""), "image");
-    EXPECT_EQ(picture.value("mimeType", ""), "image/png");
-    const QByteArray png =
-        QByteArray::fromBase64(QByteArray::fromStdString(picture.value("data", std::string())));
-    const QImage image = QImage::fromData(png, "PNG");
-    ASSERT_FALSE(image.isNull());
-    if (const QString keep = qEnvironmentVariable("KORVEL_KEEP_SCREENSHOT"); !keep.isEmpty())
-        image.save(keep);
-
-    // The top face shows the body's colour, lit (so brighter, but of the same hue); the
-    // corner below on the left shows the background.
-    const Handle(AIS_InteractiveObject) body = window->presenter().presentationOf("Box1");
-    ASSERT_FALSE(body.IsNull());
-    Quantity_Color colour;
-    body->Color(colour);
-    const QColor expected =
-        QColor::fromRgbF(static_cast<float>(colour.Red()), static_cast<float>(colour.Green()),
-                         static_cast<float>(colour.Blue()));
-    const QColor centre = image.pixelColor(image.width() / 2, image.height() / 2);
-    const QColor background = image.pixelColor(4, image.height() - 4);
-    const auto distance = [](const QColor& a, const QColor& b) {
-        return std::hypot(a.red() - b.red(), a.green() - b.green(), a.blue() - b.blue());
-    };
-    ASSERT_GT(expected.hsvSaturationF(), 0.1f);
-    EXPECT_GT(centre.hsvSaturationF(), 0.05f) << centre.name().toStdString();
-    const int hueGap = std::abs(centre.hsvHue() - expected.hsvHue());
-    EXPECT_LT(std::min(hueGap, 360 - hueGap), 20)
-        << centre.name().toStdString() << " vs " << expected.name().toStdString();
-    EXPECT_GT(distance(centre, background), 40) << background.name().toStdString();
 }
 
 TEST_F(AgentTest, ASecondWindowWaitsForTheSocketAndTakesItOnceFree) {

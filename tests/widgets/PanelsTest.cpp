@@ -28,28 +28,23 @@ protected:
 };
 
 TEST_F(PanelsTest, SidebarCollapsesToIconsAndRemembers) {
+    int opened = 0;
     {
         Sidebar sidebar;
-        EXPECT_EQ(sidebar.objectName(), QStringLiteral("sidebar"));
         EXPECT_TRUE(sidebar.isExpanded());
         EXPECT_EQ(sidebar.width(), 184);
-        QPushButton* toggle = sidebar.toggleButton();
-        EXPECT_EQ(toggle->objectName(), QStringLiteral("sidebarToggle"));
-        EXPECT_EQ(toggle->text(), QStringLiteral("Collapse"));
-        EXPECT_EQ(toggle->toolTip(), QStringLiteral("Collapse Sidebar"));
         QPushButton* docs =
             sidebar.addLinkButton(QStringLiteral("documentation"), QStringLiteral("book"),
-                                  QStringLiteral("Documentation"), [] {});
-        EXPECT_EQ(docs->text(), QStringLiteral("Documentation"));
+                                  QStringLiteral("Documentation"), [&] { ++opened; });
+        docs->click();
+        EXPECT_EQ(opened, 1);
 
-        toggle->click();
+        sidebar.toggleButton()->click();
         EXPECT_FALSE(sidebar.isExpanded());
         EXPECT_EQ(sidebar.width(), 48);
-        EXPECT_TRUE(toggle->text().isEmpty());
-        EXPECT_EQ(toggle->toolTip(), QStringLiteral("Expand Sidebar"));
+        EXPECT_EQ(sidebar.toggleButton()->toolTip(), QStringLiteral("Expand Sidebar"));
         EXPECT_TRUE(docs->text().isEmpty());
         EXPECT_FALSE(docs->icon().isNull());
-        EXPECT_EQ(QSettings().value("ui/sidebarExpanded").toBool(), false);
     }
     Sidebar again;
     EXPECT_FALSE(again.isExpanded());
@@ -57,6 +52,14 @@ TEST_F(PanelsTest, SidebarCollapsesToIconsAndRemembers) {
     again.setExpanded(true);
     EXPECT_EQ(again.width(), 184);
     EXPECT_EQ(QSettings().value("ui/sidebarExpanded").toBool(), true);
+
+    // The version button: setting it again replaces the handler, not adds one.
+    int checks = 0;
+    QPushButton* version = again.setVersionButton(QStringLiteral("v0.9.5"), [&] { ++checks; });
+    again.setVersionButton(QStringLiteral("v1.0"), [&] { checks += 10; });
+    version->click();
+    EXPECT_EQ(version->text(), QStringLiteral("v1.0"));
+    EXPECT_EQ(checks, 10);
 }
 
 TEST_F(PanelsTest, WorkspaceButtonsFollowTheirActions) {
@@ -73,71 +76,31 @@ TEST_F(PanelsTest, WorkspaceButtonsFollowTheirActions) {
     QPushButton* designButton =
         sidebar.addWorkspaceButton(design, QStringLiteral("designWorkspace"));
     QPushButton* camButton = sidebar.addWorkspaceButton(cam, QStringLiteral("camWorkspace"));
-    EXPECT_EQ(camButton->objectName(), QStringLiteral("camWorkspace"));
-    EXPECT_EQ(camButton->text(), QStringLiteral("CAM (Experimental)"));
-    EXPECT_TRUE(camButton->property("sidebar").toBool());
     EXPECT_TRUE(designButton->isChecked());
     EXPECT_FALSE(camButton->isChecked());
 
     camButton->click();
+    camButton->click(); // already the workspace: stays on, runs nothing
     EXPECT_EQ(camRuns, 1);
     EXPECT_TRUE(cam->isChecked());
     EXPECT_TRUE(camButton->isChecked());
     EXPECT_FALSE(designButton->isChecked());
-    camButton->click(); // already the workspace: stays on, runs nothing
-    EXPECT_EQ(camRuns, 1);
-    EXPECT_TRUE(camButton->isChecked());
 
     design->trigger(); // the window's shortcut
     EXPECT_TRUE(designButton->isChecked());
     EXPECT_FALSE(camButton->isChecked());
 }
 
-TEST_F(PanelsTest, SidebarLinksAndVersion) {
-    Sidebar sidebar;
-    int opened = 0;
-    QPushButton* tutorials =
-        sidebar.addLinkButton(QStringLiteral("tutorials"), QStringLiteral("tutorial"),
-                              QStringLiteral("Tutorials"), [&] { ++opened; });
-    tutorials->click();
-    EXPECT_EQ(opened, 1);
-    EXPECT_TRUE(tutorials->property("sidebar").toBool());
-
-    int checks = 0;
-    QPushButton* version = sidebar.setVersionButton(QStringLiteral("v0.9.5"), [&] { ++checks; });
-    EXPECT_EQ(version->text(), QStringLiteral("v0.9.5"));
-    EXPECT_EQ(version->toolTip(), QStringLiteral("Check for Updates"));
-    EXPECT_EQ(version->styleSheet(),
-              QStringLiteral("QPushButton { color: #857c71; background: transparent; border: "
-                             "none; font-size: 7pt; padding: 2px 0; }QPushButton:hover { color: "
-                             "#f1eee6; }"));
-    version->click();
-    EXPECT_EQ(checks, 1);
-    // Setting it again replaces the handler rather than adding a second one.
-    sidebar.setVersionButton(QStringLiteral("v1.0"), [&] { checks += 10; });
-    version->click();
-    EXPECT_EQ(checks, 11);
-}
-
 TEST_F(PanelsTest, OverlayPanelFoldsItsContent) {
     auto* content = new QLabel(QStringLiteral("rows"));
     OverlayPanel panel(QStringLiteral("terminal"), QStringLiteral("Command Log"), content);
     panel.show();
-    EXPECT_EQ(panel.objectName(), QStringLiteral("overlayPanel"));
-    EXPECT_EQ(panel.titleLabel()->objectName(), QStringLiteral("panelTitle"));
-    EXPECT_EQ(panel.titleLabel()->text(), QStringLiteral("Command Log"));
-    EXPECT_EQ(content->parentWidget(), &panel);
-    QToolButton* collapse = panel.collapseButton();
-    EXPECT_EQ(collapse->toolTip(), QStringLiteral("Collapse"));
-    EXPECT_TRUE(content->isVisible());
-
     int changes = 0;
     QObject::connect(&panel, &OverlayPanel::collapsedChanged, [&] { ++changes; });
-    collapse->click();
+    panel.collapseButton()->click();
     EXPECT_TRUE(panel.isCollapsed());
     EXPECT_FALSE(content->isVisible());
-    collapse->click();
-    EXPECT_FALSE(panel.isCollapsed());
+    panel.collapseButton()->click();
     EXPECT_TRUE(content->isVisible());
     EXPECT_EQ(changes, 2);
 }
@@ -152,10 +115,6 @@ TEST_F(PanelsTest, StripSendsGroupsThatDoNotFitToOverflow) {
             tools << new QAction(QStringLiteral("%1 %2").arg(QLatin1String(key)).arg(i), &owner);
         strip.addGroup(new ToolGroup(QString::fromLatin1(key), QStringLiteral("GROUP"), tools, {}));
     }
-    EXPECT_EQ(strip.objectName(), QStringLiteral("modelingTools"));
-    EXPECT_EQ(strip.overflowButton()->objectName(), QStringLiteral("overflowButton"));
-    EXPECT_EQ(strip.overflowButton()->toolTip(), QStringLiteral("More tools"));
-
     strip.resize(strip.sizeHint().width() + 50, 60);
     strip.show();
     EXPECT_TRUE(strip.overflowGroups().isEmpty());

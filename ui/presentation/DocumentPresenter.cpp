@@ -27,6 +27,7 @@ Quantity_Color srgb(double r, double g, double b) {
     return Quantity_Color(r, g, b, Quantity_TOC_sRGB);
 }
 
+constexpr int kWholeMode = 0;
 constexpr int kVertexMode = 1;
 constexpr int kEdgeMode = 2;
 constexpr int kFaceMode = 4;
@@ -44,6 +45,8 @@ Handle(AIS_ColoredShape) makeBodyPresentation(const TopoDS_Shape& shape) {
         new Prs3d_LineAspect(srgb(0.12, 0.10, 0.09), Aspect_TOL_SOLID, 1.2));
     applyTessellation(shape, drawer);
     body->SetDisplayMode(AIS_Shaded);
+    // Picked whole, a body lights up whole, as a picked face does.
+    body->SetHilightMode(AIS_Shaded);
     return body;
 }
 
@@ -91,8 +94,8 @@ struct DocumentPresenter::Impl {
                 ctx->Activate(part, sketchPart->selectionMode());
             return;
         }
-        for (auto [mode, on] : {std::pair{kVertexMode, vertices}, std::pair{kEdgeMode, edges},
-                                std::pair{kFaceMode, faces}}) {
+        for (auto [mode, on] : {std::pair{kWholeMode, bodies}, std::pair{kVertexMode, vertices},
+                                std::pair{kEdgeMode, edges}, std::pair{kFaceMode, faces}}) {
             if (on)
                 ctx->Activate(part, mode);
             else
@@ -228,7 +231,7 @@ struct DocumentPresenter::Impl {
     std::map<const Standard_Transient*, std::string> owners; // part -> object ID
     std::vector<OriginItem> origin;
     bool originVisible = true;
-    bool faces = true, edges = false, vertices = false;
+    bool faces = true, edges = false, vertices = false, bodies = false;
 };
 
 DocumentPresenter::DocumentPresenter(rendering::Viewport& viewport)
@@ -272,10 +275,11 @@ void DocumentPresenter::documentChanged() { refreshVisibility(); }
 
 void DocumentPresenter::refreshVisibility() { impl_->refreshVisibility(); }
 
-void DocumentPresenter::setSelectionFilter(bool faces, bool edges, bool vertices) {
+void DocumentPresenter::setSelectionFilter(bool faces, bool edges, bool vertices, bool bodies) {
     impl_->faces = faces;
     impl_->edges = edges;
     impl_->vertices = vertices;
+    impl_->bodies = bodies;
     const Handle(AIS_InteractiveContext) ctx = impl_->context();
     if (!ctx) return;
     for (const auto& [id, entry] : impl_->presentations)
@@ -287,6 +291,25 @@ void DocumentPresenter::setSelectionFilter(bool faces, bool edges, bool vertices
 bool DocumentPresenter::facesSelectable() const { return impl_->faces; }
 bool DocumentPresenter::edgesSelectable() const { return impl_->edges; }
 bool DocumentPresenter::verticesSelectable() const { return impl_->vertices; }
+bool DocumentPresenter::bodiesSelectable() const { return impl_->bodies; }
+
+bool DocumentPresenter::selectWholeBody(const std::string& id) {
+    const Handle(AIS_InteractiveContext) ctx = impl_->context();
+    auto it = impl_->presentations.find(id);
+    if (!ctx || it == impl_->presentations.end() || it->second.kind != Impl::Kind::Body)
+        return false;
+    const Handle(AIS_InteractiveObject)& body = it->second.parts.front();
+    if (!ctx->IsDisplayed(body)) return false;
+    // The whole-shape owner exists once its mode has been computed; computing it
+    // does not leave the mode active when the filter has it off.
+    if (!body->HasSelection(kWholeMode)) {
+        ctx->Activate(body, kWholeMode);
+        if (!impl_->bodies) ctx->Deactivate(body, kWholeMode);
+    }
+    ctx->SetSelected(body, false);
+    impl_->redraw();
+    return true;
+}
 
 void DocumentPresenter::setOriginVisible(bool visible) {
     impl_->originVisible = visible;

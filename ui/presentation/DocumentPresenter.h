@@ -46,11 +46,16 @@ public:
 
     // Shows what is visible, not rolled back and not hidden; erases the rest.
     void refreshVisibility();
-    // Which kinds of a body plain selection picks; re-applied to every body.
-    void setSelectionFilter(bool faces, bool edges, bool vertices);
+    // Which kinds of a body plain selection picks; re-applied to every body. With
+    // bodies on, a click anywhere on a body takes the body as a whole.
+    void setSelectionFilter(bool faces, bool edges, bool vertices, bool bodies = false);
     bool facesSelectable() const;
     bool edgesSelectable() const;
     bool verticesSelectable() const;
+    bool bodiesSelectable() const;
+    // Makes the shown body the whole selection, highlighted as one, whatever the
+    // filter; false when the ID is not a shown body.
+    bool selectWholeBody(const std::string& id);
     // The origin's three planes and axes.
     void setOriginVisible(bool visible);
     bool originVisible() const;
