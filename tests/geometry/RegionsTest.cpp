@@ -6,12 +6,7 @@
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepBuilderAPI_MakeEdge.hxx>
 #include <BRepGProp.hxx>
-#include <BRep_Tool.hxx>
 #include <GProp_GProps.hxx>
-#include <TopExp.hxx>
-#include <TopoDS.hxx>
-#include <TopoDS_Vertex.hxx>
-#include <gp_Circ.hxx>
 
 #include <gtest/gtest.h>
 
@@ -25,11 +20,6 @@ namespace {
 
 NamedEdge line(const char* name, double x1, double y1, double x2, double y2) {
     return {BRepBuilderAPI_MakeEdge(gp_Pnt(x1, y1, 0), gp_Pnt(x2, y2, 0)).Edge(), name};
-}
-
-NamedEdge circle(const char* name, double cx, double cy, double r) {
-    return {BRepBuilderAPI_MakeEdge(gp_Circ(gp_Ax2(gp_Pnt(cx, cy, 0), gp_Dir(0, 0, 1)), r)).Edge(),
-            name};
 }
 
 // The four sides of an axis-aligned square, named prefix + 1..4.
@@ -111,14 +101,12 @@ TEST(Regions, SplitCurvesAreNumberedAlongTheCurveAndCountOnceInRegionNames) {
         const int piece = name[3] - '0';
         EXPECT_NEAR(x, 1.5 + 3 * (piece - 1), 1e-9) << name;
     }
-    // L2 runs downwards: its piece [1] is the one nearest its start, above the square.
-    bool sawL2Inside = false;
-    for (const auto& [edge, name] : all->edgeNames) {
-        if (name.rfind("L2", 0) != 0) continue;
-        EXPECT_EQ(name, "L2[2]") << "only the piece inside the square bounds a region";
-        sawL2Inside = true;
-    }
-    EXPECT_TRUE(sawL2Inside);
+    // L2 runs downwards: its piece [1] is the one above the square, [2] the one inside,
+    // and only that one bounds a region.
+    std::set<std::string> l2;
+    for (const auto& [edge, name] : all->edgeNames)
+        if (name.rfind("L2", 0) == 0) l2.insert(name);
+    EXPECT_EQ(l2, std::set<std::string>{"L2[2]"});
 }
 
 TEST(Regions, OpenCurvesAndEmptySketches) {
@@ -142,16 +130,7 @@ TEST(Regions, OpenCurvesAndEmptySketches) {
     EXPECT_EQ(areas(*regions), std::vector<double>{100});
 }
 
-TEST(Regions, CirclesAndTiltedPlanes) {
-    Result<Profile> overlap = buildSketchRegions(
-        gp_Ax3(), {circle("Circle1", 0, 0, 5), circle("Circle2", 6, 0, 5)}, false);
-    ASSERT_TRUE(overlap.ok());
-    EXPECT_EQ(overlap->faces.size(), 2u); // the two lunes; the lens between them is a hole
-    Result<Profile> all = buildSketchRegions(
-        gp_Ax3(), {circle("Circle1", 0, 0, 5), circle("Circle2", 6, 0, 5)}, true);
-    ASSERT_TRUE(all.ok());
-    EXPECT_EQ(all->faces.size(), 3u);
-
+TEST(Regions, TiltedPlanes) {
     // On the XZ plane (normal -Y): a square in the plane still fills.
     gp_Ax3 xz(gp_Pnt(0, 0, 0), gp_Dir(0, -1, 0), gp_Dir(1, 0, 0));
     std::vector<NamedEdge> curves;

@@ -1,6 +1,6 @@
-// Constraints and dimensions through the commands: degrees of freedom, refusals
-// for conflicts and redundancy, values and their expressions, labels, and the
-// sketch left untouched by every refusal.
+// Constraints and dimensions through the commands: refusals for conflicts and
+// redundancy, values and their expressions, labels, and the sketch left untouched
+// by every refusal.
 #include "SketchSession.h"
 
 #include "sketch/SketchSolver.h"
@@ -28,17 +28,6 @@ protected:
 
 } // namespace
 
-TEST_F(Constraints, DegreesOfFreedomOfALine) {
-    line(0, 0, 10, 1);
-    EXPECT_EQ(freedom(), 4);
-    EXPECT_EQ(ok(constraint("horizontal", "Line1")), "Added Horizontal1 to Sketch1.");
-    EXPECT_EQ(freedom(), 3);
-    const auto& l = geometry<SketchLine>("Line1");
-    EXPECT_NEAR(l.start.y, l.end.y, 1e-7);
-    EXPECT_EQ(ok(constraint("fix", "Line1.start")), "Added Fix1 to Sketch1.");
-    EXPECT_EQ(freedom(), 1);
-}
-
 TEST_F(Constraints, ConflictsAndRedundancyAreRefusedAndChangeNothing) {
     line(0, 0, 10, 1);
     line(10, 2, 12, 8);
@@ -53,20 +42,6 @@ TEST_F(Constraints, ConflictsAndRedundancyAreRefusedAndChangeNothing) {
     EXPECT_EQ(stack.undoCount(), 5u); // the sketch, two lines, two constraints
 }
 
-TEST_F(Constraints, AnglesMustBeMoreThanZeroAndAtMost180) {
-    line(0, 0, 10, 0);
-    line(0, 0, 0, 10);
-    const std::string badAngle = "An angle must be more than 0° and at most 180°.";
-    EXPECT_EQ(error(dimension("angle", "Line1", "Line2", 0)), badAngle);
-    EXPECT_EQ(error(dimension("angle", "Line1", "Line2", 190)), badAngle);
-    EXPECT_EQ(ok(dimension("angle", "Line1", "Line2", 180)), "Added Angle1 to Sketch1.");
-    EXPECT_EQ(error(CommandRecord("edit_constraint")
-                        .set("sketch", "Sketch1")
-                        .set("constraint", "Angle1")
-                        .set("value", "0")),
-              badAngle);
-}
-
 TEST_F(Constraints, DimensionsTakeTheCurrentSizeOrAValue) {
     line(0, 0, 3, 4);
     ok(constraint("distance", "Line1.start", "Line1.end"));
@@ -74,15 +49,13 @@ TEST_F(Constraints, DimensionsTakeTheCurrentSizeOrAValue) {
     EXPECT_EQ(sketch().constraints.back().id, "Distance1");
 
     document.setParameters({Parameter{"w", "12", units::Length::Millimeters, true, ""}});
-    ok(CommandRecord("add_line")
-           .set("sketch", "Sketch1")
-           .set("x1", 0)
-           .set("y1", 10)
-           .set("x2", 5)
-           .set("y2", 10));
-    CommandRecord withLabel = dimension("length", "Line2", "", "w");
-    withLabel.set("label_x", 1).set("label_y", "2mm");
-    EXPECT_EQ(ok(withLabel), "Added Length1 to Sketch1.");
+    line(0, 10, 5, 10);
+    EXPECT_EQ(ok(on("add_constraint", {{"type", "length"},
+                                       {"a", "Line2"},
+                                       {"value", "w"},
+                                       {"label_x", 1},
+                                       {"label_y", "2mm"}})),
+              "Added Length1 to Sketch1.");
     const SketchConstraint& length = *sketch().findConstraint("Length1");
     EXPECT_DOUBLE_EQ(length.value, 12);
     ASSERT_TRUE(length.expression.has_value());
@@ -94,34 +67,35 @@ TEST_F(Constraints, DimensionsTakeTheCurrentSizeOrAValue) {
 
 TEST_F(Constraints, ArgumentSentences) {
     line(0, 0, 10, 0);
-    CommandRecord noA("add_constraint");
-    noA.set("sketch", "Sketch1").set("type", "horizontal");
-    CommandRecord numberRef = constraint("horizontal", "Line1");
-    numberRef.set("b", 3);
-    CommandRecord halfLabel = dimension("length", "Line1", "", 5);
-    halfLabel.set("label_x", 1);
-    CommandRecord geometricLabel = constraint("horizontal", "Line1");
-    geometricLabel.set("label_x", 1).set("label_y", 1);
+    line(0, 0, 0, 10);
+    CommandRecord elsewhere("add_constraint");
+    elsewhere.set("sketch", "Sketch9").set("type", "fix").set("a", "Line1");
+    const std::string badAngle = "An angle must be more than 0° and at most 180°.";
     const std::pair<CommandRecord, std::string> cases[] = {
         {constraint("sideways", "Line1"), "add_constraint: unknown constraint type 'sideways'."},
-        {noA, "add_constraint: give the geometry to constrain in 'a' (and 'b', 'c')."},
-        {numberRef, "add_constraint: 'b' must be a reference like \"Line1.end\"."},
+        {on("add_constraint", {{"type", "horizontal"}}),
+         "add_constraint: give the geometry to constrain in 'a' (and 'b', 'c')."},
+        {on("add_constraint", {{"type", "horizontal"}, {"a", "Line1"}, {"b", 3}}),
+         "add_constraint: 'b' must be a reference like \"Line1.end\"."},
         {constraint("horizontal", " "),
          "add_constraint: 'a' must be a reference like \"Line1.end\"."},
-        {halfLabel, "add_constraint: give both 'label_x' and 'label_y' as lengths."},
-        {geometricLabel, "add_constraint: only dimensions have a label position."},
+        {on("add_constraint", {{"type", "length"}, {"a", "Line1"}, {"value", 5}, {"label_x", 1}}),
+         "add_constraint: give both 'label_x' and 'label_y' as lengths."},
+        {on("add_constraint",
+            {{"type", "horizontal"}, {"a", "Line1"}, {"label_x", 1}, {"label_y", 1}}),
+         "add_constraint: only dimensions have a label position."},
         {constraint("horizontal", "Line7"), "The sketch has no entity named 'Line7'."},
         {constraint("fix", "Origin"), "The origin and axes are fixed already."},
         {dimension("horizontal", "Line1", "", 3), "horizontal takes no value."},
         {dimension("length", "Line1", "", "-2"), "A dimension must be greater than zero."},
-        {CommandRecord("add_constraint")
-             .set("sketch", "Sketch9")
-             .set("type", "fix")
-             .set("a", "Line1"),
-         "No sketch named 'Sketch9' exists."},
+        {dimension("angle", "Line1", "Line2", 0), badAngle},
+        {dimension("angle", "Line1", "Line2", 190), badAngle},
+        {elsewhere, "No sketch named 'Sketch9' exists."},
     };
     for (const auto& [record, message] : cases) EXPECT_EQ(error(record), message);
     EXPECT_TRUE(sketch().constraints.empty());
+    EXPECT_EQ(ok(dimension("angle", "Line1", "Line2", 180)), "Added Angle1 to Sketch1.");
+    EXPECT_EQ(error(on("edit_constraint", {{"constraint", "Angle1"}, {"value", "0"}})), badAngle);
 }
 
 TEST_F(Constraints, EditingADimensionResolves) {
@@ -129,11 +103,8 @@ TEST_F(Constraints, EditingADimensionResolves) {
     ok(constraint("fix", "Line1.start"));
     ok(constraint("horizontal", "Line1"));
     ok(dimension("length", "Line1", "", 10));
-    auto edit = [](const char* name, Value value) {
-        return CommandRecord("edit_constraint")
-            .set("sketch", "Sketch1")
-            .set("constraint", name)
-            .set("value", std::move(value));
+    auto edit = [](const char* name, Arg value) {
+        return on("edit_constraint", {{"constraint", name}, {"value", value}});
     };
     EXPECT_EQ(ok(edit("Length1", "1in")), "Changed Length1.");
     EXPECT_NEAR(geometry<SketchLine>("Line1").end.x, 25.4, 1e-7);
@@ -143,10 +114,8 @@ TEST_F(Constraints, EditingADimensionResolves) {
     EXPECT_EQ(error(edit("Fix1", 3)), "Fix1 is not a dimension; it has no value to change.");
     EXPECT_EQ(error(edit("Length1", 0)), "A dimension must be greater than zero.");
     EXPECT_EQ(error(edit("Length1", "3 +")).rfind("edit_constraint: ", 0), 0u);
-    EXPECT_EQ(
-        error(
-            CommandRecord("edit_constraint").set("sketch", "Sketch1").set("constraint", "Length1")),
-        "edit_constraint: missing argument 'value'.");
+    EXPECT_EQ(error(on("edit_constraint", {{"constraint", "Length1"}})),
+              "edit_constraint: missing argument 'value'.");
 
     ASSERT_TRUE(stack.undo());
     EXPECT_NEAR(geometry<SketchLine>("Line1").end.x, 10, 1e-9);
@@ -166,13 +135,9 @@ TEST_F(Constraints, AValueTheOthersCannotMeetIsRefused) {
     ok(dimension("length", "Line3", "", 7));
     EXPECT_EQ(freedom(), 0);
     const std::string before = snapshot();
-    auto edit = [](Value value) {
-        return CommandRecord("edit_constraint")
-            .set("sketch", "Sketch1")
-            .set("constraint", "Length1")
-            .set("value", std::move(value));
+    auto edit = [](Arg value) {
+        return on("edit_constraint", {{"constraint", "Length1"}, {"value", value}});
     };
-    EXPECT_EQ(error(edit(-1.0)), "A dimension must be greater than zero.");
     EXPECT_EQ(error(edit(20)), "That value doesn't work with the sketch's other constraints.");
     EXPECT_EQ(snapshot(), before);
     EXPECT_EQ(ok(edit(8)), "Changed Length1.");
@@ -185,24 +150,15 @@ TEST_F(Constraints, DeletingAndMovingDimensions) {
     ok(constraint("horizontal", "Line1"));
     ok(dimension("length", "Line1", "", 10));
     auto move = [](const char* name) {
-        return CommandRecord("move_dimension")
-            .set("sketch", "Sketch1")
-            .set("constraint", name)
-            .set("x", 3)
-            .set("y", "-2mm");
+        return on("move_dimension", {{"constraint", name}, {"x", 3}, {"y", "-2mm"}});
     };
     EXPECT_EQ(ok(move("Length1")), "Moved Length1.");
     EXPECT_EQ(sketch().findConstraint("Length1")->label, (std::pair<double, double>{3, -2}));
     EXPECT_EQ(error(move("Horizontal1")), "Horizontal1 is not a dimension.");
-    EXPECT_EQ(error(CommandRecord("move_dimension")
-                        .set("sketch", "Sketch1")
-                        .set("constraint", "Length1")
-                        .set("x", 1)),
+    EXPECT_EQ(error(on("move_dimension", {{"constraint", "Length1"}, {"x", 1}})),
               "move_dimension: give the offset in 'x' and 'y'.");
 
-    auto remove = [](const char* name) {
-        return CommandRecord("delete_constraint").set("sketch", "Sketch1").set("constraint", name);
-    };
+    auto remove = [](const char* name) { return on("delete_constraint", {{"constraint", name}}); };
     EXPECT_EQ(ok(remove("Horizontal1")), "Deleted Horizontal1.");
     EXPECT_EQ(error(remove("Horizontal1")), "Sketch1 has no constraint named 'Horizontal1'.");
     EXPECT_EQ(ok(constraint("horizontal", "Line1")), "Added Horizontal1 to Sketch1.");

@@ -19,9 +19,6 @@ protected:
         registerParameterCommands(registry);
         newSketch();
     }
-    CommandRecord add(const char* command) {
-        return CommandRecord(command).set("sketch", "Sketch1");
-    }
     std::string documentText(const Document& doc) {
         SideFiles side;
         return layoutJson(writeDocumentJson(doc, side, types));
@@ -33,18 +30,14 @@ protected:
 
 TEST_F(SketchFiles, EveryKindAndConstraintRoundTrips) {
     line(0, 0, 10, 1);
-    ok(add("add_rectangle").set("x1", 10).set("y1", 10).set("x2", 0).set("y2", 4));
-    ok(add("add_circle").set("cx", 1).set("cy", 2).set("diameter", "1in"));
-    ok(add("add_polygon").set("cx", 0).set("cy", 0).set("sides", 6).set("radius", 10));
-    ok(add("add_slot").set("x1", 0).set("y1", 0).set("x2", 5).set("y2", 0).set("width", 2));
-    ok(add("add_point").set("x", 3).set("y", 4).set("construction", true));
-    ok(add("add_spline").set("points", "0,0; 10,5; 20,0"));
-    ok(add("add_arc")
-           .set("cx", 0)
-           .set("cy", 0)
-           .set("radius", 2)
-           .set("start_angle", 90)
-           .set("sweep_angle", -90));
+    ok(on("add_rectangle", {{"x1", 10}, {"y1", 10}, {"x2", 0}, {"y2", 4}}));
+    ok(on("add_circle", {{"cx", 1}, {"cy", 2}, {"diameter", "1in"}}));
+    ok(on("add_polygon", {{"cx", 0}, {"cy", 0}, {"sides", 6}, {"radius", 10}}));
+    ok(on("add_slot", {{"x1", 0}, {"y1", 0}, {"x2", 5}, {"y2", 0}, {"width", 2}}));
+    ok(on("add_point", {{"x", 3}, {"y", 4}, {"construction", true}}));
+    ok(on("add_spline", {{"points", "0,0; 10,5; 20,0"}}));
+    ok(on("add_arc",
+          {{"cx", 0}, {"cy", 0}, {"radius", 2}, {"start_angle", 90}, {"sweep_angle", -90}}));
     ok(constraint("horizontal", "Line1"));
     ok(constraint("tangent", "Line1", "Circle1"));
     document.setParameters({Parameter{"w", "12", units::Length::Millimeters, false, ""}});
@@ -66,32 +59,24 @@ TEST_F(SketchFiles, EveryKindAndConstraintRoundTrips) {
 }
 
 TEST_F(SketchFiles, DamagedSketchRecordsAreNamed) {
-    auto problem = [&](const char* sketchRecord) {
-        nlohmann::json doc =
-            nlohmann::json::parse(std::string(R"({"objects": [)") + sketchRecord + "]}");
+    const std::string sketch =
+        R"({"type": "Sketch", "name": "S", "plane": {"origin": [0,0,0], "normal": [0,0,1], )"
+        R"("xDirection": [1,0,0]}, )";
+    const std::pair<std::string, const char*> cases[] = {
+        {R"({"type": "Sketch", "name": "S"})", "sketch S: \"plane\" must be an object"},
+        {sketch + R"("entities": [{"id": "L", "kind": "line", "start": [0, 0], "end": [0, 0]}]})",
+         "sketch S: L: A line needs two distinct end points."},
+        {sketch + R"("entities": [{"id": "C", "kind": "circle", "center": [0], "radius": 1}]})",
+         "sketch S: C: \"center\" must be [x, y]"},
+        {sketch + R"("constraints": [{"id": "H1", "type": "level", "refs": []}]})",
+         "sketch S: H1: unknown constraint type \"level\""},
+    };
+    for (const auto& [record, message] : cases) {
+        nlohmann::json doc = nlohmann::json::parse(R"({"objects": [)" + record + "]}");
         Document into;
         auto archive = ArchiveReader::open(*writeArchive({{"x", "", 6}}));
-        return readDocumentJson(doc, **archive, types, into).error();
-    };
-    const std::string plane =
-        R"("plane": {"origin": [0,0,0], "normal": [0,0,1], "xDirection": [1,0,0]})";
-    EXPECT_EQ(problem(R"({"type": "Sketch", "name": "S"})"),
-              "sketch S: \"plane\" must be an object");
-    EXPECT_EQ(
-        problem(
-            (R"({"type": "Sketch", "name": "S", )" + plane +
-             R"(, "entities": [{"id": "Line1", "kind": "line", "start": [0, 0], "end": [0, 0]}]})")
-                .c_str()),
-        "sketch S: Line1: A line needs two distinct end points.");
-    EXPECT_EQ(
-        problem((R"({"type": "Sketch", "name": "S", )" + plane +
-                 R"(, "entities": [{"id": "C", "kind": "circle", "center": [0], "radius": 1}]})")
-                    .c_str()),
-        "sketch S: C: \"center\" must be [x, y]");
-    EXPECT_EQ(problem((R"({"type": "Sketch", "name": "S", )" + plane +
-                       R"(, "constraints": [{"id": "H1", "type": "level", "refs": []}]})")
-                          .c_str()),
-              "sketch S: H1: unknown constraint type \"level\"");
+        EXPECT_EQ(readDocumentJson(doc, **archive, types, into).error(), message);
+    }
 }
 
 TEST_F(SketchFiles, DimensionsFollowParameters) {

@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -18,7 +20,25 @@ namespace cad::test {
 
 class SketchSession : public ::testing::Test {
 protected:
+    // A command argument as tests write it: "text", 10, 2.5 or true.
+    struct Arg {
+        Value value;
+        Arg(const char* text) : value(std::string(text)) {}
+        Arg(double number) : value(number) {}
+        Arg(int number) : value(static_cast<std::int64_t>(number)) {}
+        Arg(bool flag) : value(flag) {}
+    };
+    using Args = std::initializer_list<std::pair<const char*, Arg>>;
+
     SketchSession() { registerSketchCommands(registry); }
+
+    // The command on Sketch1 with these arguments.
+    static CommandRecord on(const char* command, Args arguments = {}) {
+        CommandRecord record(command);
+        record.set("sketch", "Sketch1");
+        for (const auto& [key, arg] : arguments) record.set(key, arg.value);
+        return record;
+    }
 
     CommandResult run(const CommandRecord& record) { return stack.execute(record); }
     // Runs a command that must succeed and returns its message.
@@ -51,12 +71,7 @@ protected:
     // "Sketch1" on XY, made through create_sketch.
     void newSketch() { ok(CommandRecord("create_sketch").set("plane", "XY")); }
     void line(double x1, double y1, double x2, double y2) {
-        ok(CommandRecord("add_line")
-               .set("sketch", "Sketch1")
-               .set("x1", x1)
-               .set("y1", y1)
-               .set("x2", x2)
-               .set("y2", y2));
+        ok(on("add_line", {{"x1", x1}, {"y1", y1}, {"x2", x2}, {"y2", y2}}));
     }
     static CommandRecord constraint(const std::string& type, const std::string& a,
                                     const std::string& b = {}) {

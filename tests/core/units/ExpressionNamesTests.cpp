@@ -17,14 +17,7 @@ TEST(ExpressionNamesTest, ReferencedNamesInOrderOfFirstAppearance) {
     EXPECT_EQ(referencedNames("1' 3 1/2\" % (w"), (Names{"w"}));
     EXPECT_EQ(referencedNames("W + w"), (Names{"W", "w"}));
     EXPECT_EQ(referencedNames("1e3"), (Names{"e3"}));
-    EXPECT_TRUE(referencedNames("").empty());
     EXPECT_TRUE(referencedNames("1.5in + 2 mm").empty());
-}
-
-TEST(ExpressionNamesTest, UsesNames) {
-    EXPECT_TRUE(usesNames("width * 2"));
-    EXPECT_FALSE(usesNames("2' 6\""));
-    EXPECT_FALSE(usesNames("10 + 2mm"));
 }
 
 TEST(ExpressionNamesTest, RenameReplacesWholeIdentifiersOnly) {
@@ -36,13 +29,11 @@ TEST(ExpressionNamesTest, RenameReplacesWholeIdentifiersOnly) {
     };
     const Case cases[] = {
         {"w*2 + width", "w", "depth", "depth*2 + width"},
-        {"w+w", "w", "x", "x+x"},
-        {"W + w", "w", "x", "W + x"},
+        {"W + w+w", "w", "x", "W + x+x"},
         {"w2 + 2w", "w", "x", "w2 + 2x"},
         {"_w + w_", "w", "x", "_w + w_"},
         {"  a\t*\n(1' 3 1/2\" - a) % ", "a", "bb", "  bb\t*\n(1' 3 1/2\" - bb) % "},
         {"2 mm", "mm", "x", "2 mm"},
-        {"", "a", "b", ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);

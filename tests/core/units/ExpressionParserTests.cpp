@@ -1,4 +1,4 @@
-// Tests of the expression language without names: numbers, fractions, units,
+// Tests of the expression language without names: numbers, fractions, unit words,
 // feet-and-inches, operator dimension rules and every error sentence.
 #include "core/units/ExpressionParser.h"
 
@@ -8,58 +8,14 @@
 
 #include <clocale>
 #include <string>
+#include <vector>
 
 namespace cad::units {
 namespace {
 
-struct LengthCase {
-    const char* text;
-    Length unit;
-    double millimeters;
-};
-
-TEST(ExpressionParserTest, LengthsEvaluateToMillimeters) {
-    const LengthCase cases[] = {
-        {"1/4\"", Length::Millimeters, 6.35},
-        {"0.5in", Length::Millimeters, 12.7},
-        {"10 + 2mm", Length::Millimeters, 12.0},
-        {"2'6\"", Length::Millimeters, 762.0},
-        {"2' 6", Length::Millimeters, 762.0},
-        {"1' 3 1/2\"", Length::Millimeters, 393.7},
-        {"2' 1/2\"", Length::Millimeters, 622.3},
-        {"3 1/2 in", Length::Millimeters, 88.9},
-        {"3 IN", Length::Millimeters, 76.2},
-        {"1/2/4", Length::Millimeters, 0.125},
-        {".", Length::Millimeters, 0.0},
-        {".5", Length::Millimeters, 0.5},
-        {"5.", Length::Millimeters, 5.0},
-        {"--5", Length::Millimeters, 5.0},
-        {"2*-3", Length::Millimeters, -6.0},
-        {"-2in", Length::Millimeters, -50.8},
-        {"1 + 2 * 3", Length::Millimeters, 7.0},
-        {"(1 + 2) * 3", Length::Millimeters, 9.0},
-        {"(1+2) in", Length::Millimeters, 76.2},
-        {" \t\n1cm\r\v\f", Length::Millimeters, 10.0},
-        {"1 m + 1 cm", Length::Millimeters, 1010.0},
-        {"10", Length::Inches, 254.0},
-        {"1 + 1mm", Length::Inches, 26.4},
-        {"1mm + 1", Length::Inches, 26.4},
-        {"2 * 3in", Length::Inches, 152.4},
-        {"6in / 2", Length::Inches, 76.2},
-        {"6in / 2in", Length::Inches, 76.2},
-        // "1 / 2" is one fraction token, so the unit applies to the half.
-        {"1 / 2in", Length::Millimeters, 12.7},
-        {"1", static_cast<Length>(9), 1.0},
-    };
-    for (const LengthCase& c : cases) {
-        SCOPED_TRACE(c.text);
-        const auto result = evaluateLength(c.text, c.unit);
-        ASSERT_TRUE(result.ok()) << result.error();
-        EXPECT_NEAR(*result, c.millimeters, 1e-9);
-    }
-}
-
-TEST(ExpressionParserTest, ParseQuantityKeepsTheDimension) {
+// The raw quantity keeps whether the value is a length (in mm) or a plain number; a
+// plain result meets the field's unit only in evaluateLength.
+TEST(ExpressionParserTest, QuantitiesAndTheirDimension) {
     struct Case {
         const char* text;
         Length unit;
@@ -67,9 +23,32 @@ TEST(ExpressionParserTest, ParseQuantityKeepsTheDimension) {
         bool isLength;
     };
     const Case cases[] = {
-        {"10", Length::Inches, 10.0, false},     {"6in / 2in", Length::Inches, 3.0, false},
-        {"6in / 2", Length::Inches, 76.2, true}, {"1 + 1mm", Length::Inches, 26.4, true},
-        {"2 * 3", Length::Inches, 6.0, false},   {"-(2in)", Length::Millimeters, -50.8, true},
+        {"1/4\"", Length::Millimeters, 6.35, true},
+        {"0.5in", Length::Millimeters, 12.7, true},
+        {"10 + 2mm", Length::Millimeters, 12.0, true},
+        {"2'6\"", Length::Millimeters, 762.0, true},
+        {"2' 6", Length::Millimeters, 762.0, true},
+        {"1' 3 1/2\"", Length::Millimeters, 393.7, true},
+        {"2' 1/2\"", Length::Millimeters, 622.3, true},
+        {"3 1/2 in", Length::Millimeters, 88.9, true},
+        {"3 IN", Length::Millimeters, 76.2, true},
+        {"1 m + 1 cm", Length::Millimeters, 1010.0, true},
+        {" \t\n1cm\r\v\f", Length::Millimeters, 10.0, true},
+        {"(1+2) in", Length::Millimeters, 76.2, true},
+        {"-(2in)", Length::Millimeters, -50.8, true},
+        // "1 / 2" is one fraction token, so the unit applies to the half.
+        {"1 / 2in", Length::Millimeters, 12.7, true},
+        {"1/2/4", Length::Millimeters, 0.125, false},
+        {".", Length::Millimeters, 0.0, false},
+        {".5", Length::Millimeters, 0.5, false},
+        {"--5", Length::Millimeters, 5.0, false},
+        {"2*-3", Length::Millimeters, -6.0, false},
+        {"1 + 2 * 3", Length::Millimeters, 7.0, false},
+        {"10", Length::Inches, 10.0, false},
+        {"1 + 1mm", Length::Inches, 26.4, true},
+        {"2 * 3in", Length::Inches, 152.4, true},
+        {"6in / 2", Length::Inches, 76.2, true},
+        {"6in / 2in", Length::Inches, 3.0, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
@@ -78,6 +57,24 @@ TEST(ExpressionParserTest, ParseQuantityKeepsTheDimension) {
         EXPECT_NEAR(result->value, c.value, 1e-9);
         EXPECT_EQ(result->isLength, c.isLength);
     }
+    EXPECT_NEAR(evaluateLength("10", Length::Inches).value(), 254.0, 1e-9);
+    EXPECT_NEAR(evaluateLength("6in / 2in", Length::Inches).value(), 76.2, 1e-9);
+    EXPECT_NEAR(evaluateLength("10 + 2mm", Length::Millimeters).value(), 12.0, 1e-9);
+    EXPECT_EQ(evaluateLength("1", static_cast<Length>(9)).value(), 1.0);
+}
+
+TEST(ExpressionParserTest, UnitWordsInAnyCaseAndNothingElse) {
+    const std::vector<std::pair<Length, std::vector<const char*>>> spellings = {
+        {Length::Millimeters, {"mm", "Millimeter", "MILLIMETERS", "millimetres"}},
+        {Length::Centimeters, {"CM", "centimeters", "Centimetres"}},
+        {Length::Meters, {"M", "meter", "metres"}},
+        {Length::Inches, {"IN", "inch", "Inches", "\""}},
+        {Length::Feet, {"ft", "foot", "FEET", "'"}},
+    };
+    for (const auto& [unit, words] : spellings)
+        for (const char* word : words) EXPECT_EQ(parseUnitName(word), unit) << word;
+    for (const char* word : {"", "mmm", "inchs", "yd", "millimetresx", " mm", "m2", "''"})
+        EXPECT_FALSE(parseUnitName(word).has_value()) << word;
 }
 
 TEST(ExpressionParserTest, ErrorsCarryTheirSentence) {
@@ -90,7 +87,6 @@ TEST(ExpressionParserTest, ErrorsCarryTheirSentence) {
         {"2in * 3in", "Multiplying two lengths gives an area, not a length."},
         {"1 / (2in)", "Dividing a number by a length doesn't give a length."},
         {"5 / 0", "Division by zero."},
-        {"1/0", "Division by zero."},
         {"1/.", "Division by zero."},
         {"1 / (0in)", "Division by zero."}, // the zero divisor is checked first
         {"2 3", "Unexpected text after the value."},
@@ -99,16 +95,12 @@ TEST(ExpressionParserTest, ErrorsCarryTheirSentence) {
         {"(1 + 2", "Missing ')'."},
         {"(1 2)", "Missing ')'."},
         {"1 +", "The value is incomplete."},
-        {"(", "The value is incomplete."},
         {"mm", "Expected a number."},
-        {"* 2", "Expected a number."},
         {"1/ mm", "Expected a number."},
         {"1.2.3", "That number isn't valid."},
-        {"1/2.3.4", "That number isn't valid."},
         {"5 %", "Unexpected character '%'."},
         {"2 \xC3\x97 3", "Unexpected character '\xC3\x97'."},
         {"1in mm", "A value has two units."},
-        {"2ft in 6", "A value has two units."},
         {"(1in) mm", "A value has two units."},
         {"2ft 6cm", "After feet, give inches (e.g. 2'6\")."},
         {"2' 6'", "After feet, give inches (e.g. 2'6\")."},
@@ -126,27 +118,16 @@ TEST(ExpressionParserTest, DeepNestingIsRefusedWithoutCrashing) {
     EXPECT_EQ(evaluateNumber(fine).value(), 1.0);
     const std::string deep = std::string(100000, '(') + "1" + std::string(100000, ')');
     EXPECT_EQ(evaluateNumber(deep).error(), "The value has too many parentheses.");
-    const std::string signs = std::string(100001, '-') + "1";
-    EXPECT_EQ(evaluateNumber(signs).value(), -1.0);
+    EXPECT_EQ(evaluateNumber(std::string(100001, '-') + "1").value(), -1.0);
 }
 
 TEST(ExpressionParserTest, PlainNumbersRefuseUnits) {
     EXPECT_EQ(evaluateNumber("3 * 1/4").value(), 0.75);
-    EXPECT_EQ(evaluateNumber("-45").value(), -45.0);
-    for (const char* text : {"3mm", "2'", "1 + 1\"", "3 IN"}) {
+    // The tokenizer refuses the unit before the parser could report anything else.
+    for (const char* text : {"3mm", "2'", "1 + 1\"", "3 IN", "5 / (1 - 1) + 3mm", "1 2 mm"}) {
         SCOPED_TRACE(text);
         EXPECT_EQ(evaluateNumber(text).error(), "Enter a plain number here (no units).");
     }
-    // The tokenizer refuses the unit before the parser could report anything else.
-    EXPECT_EQ(evaluateNumber("5 / (1 - 1) + 3mm").error(), "Enter a plain number here (no units).");
-    EXPECT_EQ(evaluateNumber("1 2 mm").error(), "Enter a plain number here (no units).");
-}
-
-TEST(ExpressionParserTest, ReadingLengthTextWithoutNamesIsInMillimeters) {
-    EXPECT_EQ(readLengthText("25").value(), 25.0);
-    EXPECT_NEAR(readLengthText("1in + 1").value(), 26.4, 1e-9);
-    EXPECT_EQ(readNumberText("90").value(), 90.0);
-    EXPECT_EQ(readNumberText("1mm").error(), "Enter a plain number here (no units).");
 }
 
 // A locale with a decimal comma must change neither reading nor writing.

@@ -105,22 +105,7 @@ TEST(BlockEquivalence, SameSolutionsRefusalsAndFreedomAsTheWholeSketch) {
     for (std::size_t i = 0; i < kSteps.size(); ++i) {
         const Step& step = kSteps[i];
         std::vector<std::string> errors;
-        for (Sketch& s : sketches) {
-            SketchConstraint c;
-            c.type = step.type;
-            for (const char* r : step.refs) c.refs.push_back(*parseReference(r));
-            if (step.value) c.value = *step.value;
-            Result<SketchConstraint> prepared =
-                prepareConstraint(s.entities, c, step.value.has_value());
-            ASSERT_TRUE(prepared.ok()) << prepared.error();
-            Result<SketchSolution> added =
-                addConstraint(s.entities, s.constraints, *prepared, s.options);
-            errors.push_back(added ? "" : added.error());
-            if (added) {
-                s.entities = added->entities;
-                s.constraints = added->constraints;
-            }
-        }
+        for (Sketch& s : sketches) errors.push_back(s.add(step.type, step.refs, step.value));
         const std::string where =
             "step " + std::to_string(i) + " " + std::string(constraintKeyword(step.type));
         EXPECT_EQ(errors[1], errors[0]) << where;

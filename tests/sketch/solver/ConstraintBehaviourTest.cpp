@@ -33,23 +33,6 @@ struct Case {
 
 std::vector<Case> cases() {
     return {
-        {"CoincidentPoints",
-         {line("Line1", 0, 0, 10, 1), line("Line2", 11, 2, 15, 8)},
-         [](Sketch& s) {
-             s.mustAdd(T::Coincident, {"Line1.end", "Line2.start"});
-             EXPECT_LT(distance(s.at("Line1.end"), s.at("Line2.start")), kTol);
-         }},
-        {"PointOnLineAndOnCircle",
-         {line("Line1", 0, 0, 10, 2), circle("Circle1", 30, 0, 5), point("Point1", 4, 5),
-          point("Point2", 31, 7)},
-         [](Sketch& s) {
-             s.mustAdd(T::Coincident, {"Line1", "Point1"});
-             s.mustAdd(T::Coincident, {"Point2", "Circle1"});
-             EXPECT_NEAR(signedDistance(s.at("Point1"), s.at("Line1.start"), s.at("Line1.end")), 0,
-                         kTol);
-             EXPECT_NEAR(distance(s.at("Point2"), s.at("Circle1.center")),
-                         circleOf(s, "Circle1").radius, kTol);
-         }},
         {"HorizontalVerticalParallelPerpendicular",
          {line("Line1", 0, 0, 10, 1), line("Line2", 0, 5, 9, 7), line("Line3", 2, 2, 3, 9),
           rectangle("Rectangle1", 20, 0, 5, 3), line("Line4", 30, 0, 31, 6)},
@@ -154,17 +137,12 @@ std::vector<Case> cases() {
              EXPECT_NEAR(s.at("Point2").x - s.at("Point1").x, -10, kTol);
              EXPECT_NEAR(s.at("Point2").y - s.at("Point1").y, -3, kTol);
          }},
-        {"LengthRadiusDiameter",
-         {line("Line1", 0, 0, 3, 4), circle("Circle1", 10, 0, 1), arc("Arc1", 20, 0, 2, 0, 90),
-          polygon("Polygon1", 40, 0, 5, 6, 90)},
+        {"DiameterAndPolygonEdgeLength",
+         {circle("Circle1", 10, 0, 1), polygon("Polygon1", 40, 0, 5, 6, 90)},
          [](Sketch& s) {
-             s.mustAdd(T::Length, {"Line1"}, 8.0);
              s.mustAdd(T::Diameter, {"Circle1"}, 6.0);
-             s.mustAdd(T::Radius, {"Arc1"}, 4.0);
              s.mustAdd(T::Length, {"Polygon1.edge2"}, 3.0);
-             EXPECT_NEAR(distance(s.at("Line1.start"), s.at("Line1.end")), 8, kTol);
              EXPECT_NEAR(circleOf(s, "Circle1").radius, 3, kTol);
-             EXPECT_NEAR(std::get<SketchArc>(s.entity("Arc1").geometry).radius, 4, kTol);
              EXPECT_NEAR(distance(s.at("Polygon1.corner2"), s.at("Polygon1.corner3")), 3, kTol);
          }},
         {"AngleKeepsTheSenseItWasDrawnIn",
@@ -188,15 +166,7 @@ std::vector<Case> cases() {
          {line("Line1", 0, 0, 10, 0), line("Line2", 0, 2, 10, 2), line("Line3", 20, 0, 30, 0),
           line("Line4", 20, -5, 30, -5)},
          [](Sketch& s) {
-             SketchConstraint c = constraint(T::EqualOffset, {"Line1", "Line2", "Line3", "Line4"});
-             Result<SketchConstraint> prepared = prepareConstraint(s.entities, c, false);
-             ASSERT_TRUE(prepared.ok()) << prepared.error();
-             EXPECT_EQ(prepared->data, (std::vector<double>{1, -1}));
-             Result<SketchSolution> added =
-                 addConstraint(s.entities, s.constraints, *prepared, s.options);
-             ASSERT_TRUE(added.ok()) << added.error();
-             s.entities = added->entities;
-             s.constraints = added->constraints;
+             s.mustAdd(T::EqualOffset, {"Line1", "Line2", "Line3", "Line4"});
              const double first =
                  signedDistance(s.at("Line2.start"), s.at("Line1.start"), s.at("Line1.end"));
              const double second =

@@ -34,7 +34,6 @@ TEST_P(Refusals, RedundantConstraintsAddNothing) {
         sketch({line("Line1", 0, 0, 10, 1), line("Line2", 11, 2, 15, 8), point("Point1", 0, 5),
                 point("Point2", 4, 6), circle("Circle1", 30, 0, 5), point("Point3", 36, 1)});
     s.mustAdd(T::Coincident, {"Line1.end", "Line2.start"});
-    EXPECT_EQ(s.add(T::Coincident, {"Line2.start", "Line1.end"}), "That coincident" + kRedundant);
 
     // One coordinate of the coincidence is already determined: refused as a whole.
     s.mustAdd(T::Horizontal, {"Point1", "Point2"});
@@ -50,29 +49,14 @@ TEST_P(Refusals, RedundantConstraintsAddNothing) {
 }
 
 TEST_P(Refusals, ConflictsAreRefusedWithTheirKeyword) {
-    Sketch s =
-        sketch({line("Line1", 0, 0, 10, 1), line("Line2", 0, 5, 3, 9), point("Point1", 20, 0)});
-    s.mustAdd(T::Horizontal, {"Line1"});
-    EXPECT_EQ(s.add(T::Vertical, {"Line1"}),
-              "That vertical conflicts with the sketch's other constraints.");
+    Sketch s = sketch({line("Line2", 0, 5, 3, 9), point("Point1", 20, 0)});
     s.mustAdd(T::Length, {"Line2"}, 5.0);
     EXPECT_EQ(s.add(T::Distance, {"Line2.start", "Line2.end"}, 7.0),
               "That distance conflicts with the sketch's other constraints.");
     s.mustAdd(T::Fix, {"Point1"});
     EXPECT_EQ(s.add(T::Coincident, {"Point1", "Origin"}),
               "That coincident conflicts with the sketch's other constraints.");
-    EXPECT_EQ(s.constraints.size(), 3u);
-}
-
-TEST_P(Refusals, NewConstraintsGetTheSmallestFreeId) {
-    Sketch s = sketch({line("Line1", 0, 0, 10, 1), line("Line2", 0, 5, 3, 9)});
-    s.mustAdd(T::Horizontal, {"Line1"});
-    s.mustAdd(T::Horizontal, {"Line2"});
-    s.constraints.erase(s.constraints.begin());
-    s.mustAdd(T::Length, {"Line1"});
-    s.mustAdd(T::Horizontal, {"Line1.start", "Line2.start"});
-    EXPECT_EQ(s.constraints[1].id, "Length1");
-    EXPECT_EQ(s.constraints[2].id, "Horizontal1");
+    EXPECT_EQ(s.constraints.size(), 2u);
 }
 
 TEST_P(Refusals, SolvesThatFailSayWhy) {
@@ -109,19 +93,11 @@ TEST_P(Refusals, SolvesThatFailSayWhy) {
 }
 
 TEST_P(Refusals, Drags) {
-    Sketch s =
-        sketch({line("Line1", 0, 0, 10, 0), line("Line2", 20, 0, 25, 5), point("Point1", 3, 3)});
-    s.entities[1].source = "Sketch2/Line1";
-    EXPECT_EQ(solve(s, {}, dragTo("Line1", 1, 1)).error(), "Only points can be dragged.");
-    EXPECT_EQ(solve(s, {}, dragTo("Line2.end", 1, 1)).error(),
-              "Line2 is projected: it follows what it was projected from.");
-    EXPECT_EQ(solve(s, {}, dragTo("Line7.end", 1, 1)).error(),
-              "The sketch has no entity named 'Line7'.");
-
+    Sketch s = sketch({line("Line1", 0, 0, 10, 0), point("Point1", 3, 3)});
     // A free point goes exactly where it is dragged; nothing else moves.
     Result<std::vector<SketchEntity>> moved = solve(s, {}, dragTo("Point1", 4, -2));
     ASSERT_TRUE(moved.ok()) << moved.error();
-    EXPECT_LT(distance(std::get<SketchPoint>((*moved)[2].geometry).position, {4, -2}), 1e-7);
+    EXPECT_LT(distance(std::get<SketchPoint>((*moved)[1].geometry).position, {4, -2}), 1e-7);
     EXPECT_EQ(std::get<SketchLine>((*moved)[0].geometry).start, (Point2{0, 0}));
 
     s.mustAdd(T::Horizontal, {"Line1"});
@@ -145,22 +121,16 @@ INSTANTIATE_TEST_SUITE_P(BothMethods, Refusals, bothMethods(), methodName);
 TEST(Preparation, ValueChecks) {
     const std::vector<SketchEntity> entities{line("Line1", 0, 0, 10, 0), line("Line2", 0, 0, 0, 10),
                                              point("Point1", 0, 0)};
-    auto prepare = [&](T type, std::initializer_list<const char*> texts,
-                       std::optional<double> value) {
+    auto prepare = [&](T type, const std::vector<const char*>& texts, std::optional<double> value) {
         SketchConstraint c = constraint(type, texts);
         if (value) c.value = *value;
         Result<SketchConstraint> r = prepareConstraint(entities, c, value.has_value());
         return r ? std::string() : r.error();
     };
-    const std::string badAngle = "An angle must be more than 0° and at most 180°.";
-    EXPECT_EQ(prepare(T::Angle, {"Line1", "Line2"}, 0.0), badAngle);
-    EXPECT_EQ(prepare(T::Angle, {"Line1", "Line2"}, 190.0), badAngle);
-    EXPECT_EQ(prepare(T::Angle, {"Line1", "Line2"}, 180.0), "");
     EXPECT_EQ(prepare(T::Length, {"Line1"}, std::nan("")), "The value must be a number.");
     EXPECT_EQ(prepare(T::Length, {"Line1"}, 1e-7), "A dimension must be greater than zero.");
     EXPECT_EQ(prepare(T::Length, {"Line1"}, 2e-7), "");
     EXPECT_EQ(prepare(T::Radius, {"Line1"}, 2.0), "radius: takes a circle or an arc.");
-    EXPECT_EQ(prepare(T::Horizontal, {"Line1"}, 2.0), "horizontal takes no value.");
     // The current size: the two points coincide, so there is nothing to dimension.
     EXPECT_EQ(prepare(T::Distance, {"Line1.start", "Point1"}, std::nullopt),
               "A dimension must be greater than zero.");
@@ -184,10 +154,7 @@ TEST(Preparation, ReferencesOfTheWrongKind) {
          {"Line1", "Line2"},
          "coincident: coincident takes two points, or a point and a line, circle or arc."},
         {T::Horizontal, {"Circle1"}, "horizontal: takes a line, or two points."},
-        {T::Vertical, {"Point1"}, "vertical: takes a line, or two points."},
         {T::Parallel, {"Line1", "Circle1"}, "parallel: takes two lines."},
-        {T::Perpendicular, {"Line1"}, "perpendicular: takes two lines."},
-        {T::Collinear, {"Line1", "Rectangle1"}, "collinear: takes two lines."},
         {T::Equal, {"Line1", "Circle1"}, "equal: equal takes two lines or two circles/arcs."},
         {T::Concentric, {"Circle1", "Line1"}, "concentric: concentric takes two circles/arcs."},
         {T::Midpoint, {"Point1", "Circle1"}, "midpoint: midpoint takes a point and a line."},
@@ -206,36 +173,24 @@ TEST(Preparation, ReferencesOfTheWrongKind) {
         {T::EqualOffset,
          {"Line1", "Circle1", "Line2", "Circle1"},
          "equal_offset: equal_offset takes two pairs: two lines, or two circles/arcs, each."},
-        {T::Inline, {"Point1", "Line1", "Line2.end"}, "inline: inline takes three points."},
         {T::Distance,
          {"Point1", "Circle1"},
          "distance: distance takes two points, a point and a line, or two lines."},
         {T::HorizontalDistance, {"Line1"}, "horizontal_distance: takes two points."},
-        {T::VerticalDistance, {"Point1", "Line1"}, "vertical_distance: takes two points."},
         {T::Length, {"Circle1"}, "length: length takes a line."},
-        {T::Diameter, {"Line1"}, "diameter: takes a circle or an arc."},
         {T::Angle, {"Line1", "Point1"}, "angle: takes two lines."},
     };
-    for (const Row& row : rows) {
-        SketchConstraint c;
-        c.type = row.type;
-        for (const char* r : row.refs) c.refs.push_back(*parseReference(r));
-        EXPECT_EQ(prepareConstraint(entities, c, false).error(), row.message);
-    }
-    SketchConstraint missing = constraint(T::Horizontal, {"Line9"});
-    EXPECT_EQ(prepareConstraint(entities, missing, false).error(),
-              "The sketch has no entity named 'Line9'.");
-    SketchConstraint part = constraint(T::Horizontal, {"Line1.middle"});
-    EXPECT_EQ(prepareConstraint(entities, part, false).error(),
-              "Line1.middle: no such part of a Line.");
+    for (const Row& row : rows)
+        EXPECT_EQ(prepareConstraint(entities, constraint(row.type, row.refs), false).error(),
+                  row.message);
 }
 
-TEST(Preparation, MeasuresAndOrientationAsDrawn) {
-    const std::vector<SketchEntity> entities{
-        line("Line1", 0, 0, 10, 0),    line("Line2", 0, 0, -5, -5), point("Point1", 3, -4),
-        circle("Circle1", 0, 0, 10),   circle("Circle2", 3, 0, 4),  circle("Circle3", 30, 0, 4),
-        arc("Arc1", 10, 5, 5, -90, 90)};
-    auto measure = [&](T type, std::initializer_list<const char*> texts) {
+// A dimension given no value takes the current size.
+TEST(Preparation, MeasuresAsDrawn) {
+    const std::vector<SketchEntity> entities{line("Line1", 0, 0, 10, 0),
+                                             line("Line2", 0, 0, -5, -5), point("Point1", 3, -4),
+                                             circle("Circle1", 3, 0, 4)};
+    auto measure = [&](T type, const std::vector<const char*>& texts) {
         Result<double> r = measureDimension(type, refs(texts), entities);
         EXPECT_TRUE(r.ok()) << r.error();
         return r ? *r : -1;
@@ -244,23 +199,8 @@ TEST(Preparation, MeasuresAndOrientationAsDrawn) {
     EXPECT_DOUBLE_EQ(measure(T::Distance, {"Line1", "Point1"}), 4);
     EXPECT_DOUBLE_EQ(measure(T::HorizontalDistance, {"Point1", "Line1.start"}), 3);
     EXPECT_DOUBLE_EQ(measure(T::VerticalDistance, {"Point1", "Line1.start"}), 4);
-    EXPECT_DOUBLE_EQ(measure(T::Diameter, {"Circle2"}), 8);
+    EXPECT_DOUBLE_EQ(measure(T::Diameter, {"Circle1"}), 8);
     EXPECT_NEAR(measure(T::Angle, {"Line1", "Line2"}), 135, 1e-12);
-
-    auto data = [&](T type, std::initializer_list<const char*> texts) {
-        Result<SketchConstraint> r = prepareConstraint(entities, constraint(type, texts), false);
-        EXPECT_TRUE(r.ok()) << r.error();
-        return r ? r->data : std::vector<double>{};
-    };
-    EXPECT_EQ(data(T::Angle, {"Line1", "Line2"}), (std::vector<double>{-1}));
-    EXPECT_EQ(data(T::Distance, {"Point1", "Line1"}), (std::vector<double>{-1}));
-    EXPECT_EQ(data(T::HorizontalDistance, {"Point1", "Line1.start"}), (std::vector<double>{-1}));
-    EXPECT_EQ(data(T::Tangent, {"Circle1", "Circle2"}), (std::vector<double>{-1}));
-    EXPECT_EQ(data(T::Tangent, {"Circle2", "Circle3"}), (std::vector<double>{1}));
-    // The line ends where the arc starts: tangency square to the radius at that end.
-    EXPECT_EQ(data(T::Tangent, {"Arc1", "Line1"}), (std::vector<double>{1, 1}));
-    EXPECT_EQ(data(T::Fix, {"Point1"}), (std::vector<double>{3, -4}));
-    EXPECT_EQ(data(T::Fix, {"Line2"}), (std::vector<double>{0, 0, -5, -5}));
 }
 
 } // namespace

@@ -12,7 +12,7 @@ namespace {
 
 using T = ConstraintType;
 
-SketchConstraint dimension(T type, std::initializer_list<const char*> texts, double value,
+SketchConstraint dimension(T type, const std::vector<const char*>& texts, double value,
                            std::vector<double> data = {}) {
     SketchConstraint c = constraint(type, texts);
     c.value = value;

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -45,13 +44,13 @@ inline SketchEntity slot(std::string id, double x1, double y1, double x2, double
     return entity(std::move(id), SketchSlot{{x1, y1}, {x2, y2}, w});
 }
 
-inline std::vector<SketchRef> refs(std::initializer_list<const char*> texts) {
+inline std::vector<SketchRef> refs(const std::vector<const char*>& texts) {
     std::vector<SketchRef> out;
     for (const char* t : texts) out.push_back(*parseReference(t));
     return out;
 }
 
-inline SketchConstraint constraint(ConstraintType type, std::initializer_list<const char*> texts) {
+inline SketchConstraint constraint(ConstraintType type, const std::vector<const char*>& texts) {
     SketchConstraint c;
     c.type = type;
     c.refs = refs(texts);
@@ -65,7 +64,7 @@ struct Sketch {
     SolverOptions options{};
 
     // Prepares and adds; the error text when refused (empty on success).
-    std::string add(ConstraintType type, std::initializer_list<const char*> texts,
+    std::string add(ConstraintType type, const std::vector<const char*>& texts,
                     std::optional<double> value = std::nullopt) {
         SketchConstraint c = constraint(type, texts);
         if (value) c.value = *value;
@@ -77,7 +76,7 @@ struct Sketch {
         constraints = added->constraints;
         return {};
     }
-    void mustAdd(ConstraintType type, std::initializer_list<const char*> texts,
+    void mustAdd(ConstraintType type, const std::vector<const char*>& texts,
                  std::optional<double> value = std::nullopt) {
         std::string error = add(type, texts, value);
         ASSERT_EQ(error, "") << constraintKeyword(type);
