@@ -1,7 +1,7 @@
 // libFuzzer target: any bytes sent to the agent protocol handler, one message a
 // line, must come back as answers (or silence for notifications), never as a
 // crash, a hang or unbounded growth. Project files stay off so nothing is written.
-#include "mcp/HeadlessHost.h"
+#include "fuzz/FuzzHost.h"
 #include "mcp/McpServer.h"
 
 #include <cstddef>
@@ -9,22 +9,8 @@
 #include <string>
 #include <string_view>
 
-namespace {
-
-class FuzzHost : public cad::mcp::HeadlessHost {
-public:
-    cad::Result<void> openProject(const std::string&) override {
-        return cad::fail("Project files are off while fuzzing.");
-    }
-    cad::Result<void> saveProject(const std::string&) override {
-        return cad::fail("Project files are off while fuzzing.");
-    }
-};
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static FuzzHost host;
+    static cad::fuzz::FuzzHost host;
     static cad::mcp::McpServer server(host, "fuzz");
     // Every input starts on a fresh document, so that a failing input replays alone.
     (void)host.newDocument();
