@@ -102,6 +102,11 @@ public:
     // Tells the observers, then brings everything that depends on the object up to
     // date in dependency order. Nested calls only notify.
     void notifyChanged(const DocumentObject& object);
+    // Objects whose own values changed (a feature's distance, a sketch's dimensions):
+    // tells their observers, rebuilds each body once, from the first feature that
+    // changed or uses a changed object, and brings up to date whatever else depends
+    // on them. Nested calls only notify.
+    void notifyValuesChanged(const std::vector<DocumentObject*>& objects);
     // Rebuilds every body and recomputes every other object, then settles objects
     // that move each other in at most 8 further passes.
     void recomputeAll();
@@ -133,14 +138,19 @@ private:
                                               const FeatureObject& feature,
                                               const geometry::NamedShape& input);
     void tellObservers(DocumentObject& object);
-    // Applies the body's features from index `start` on to `shape`.
+    // Change propagation from `sources`; with `rebuildOwners` a source that is a
+    // feature also reaches its body.
+    void propagate(const std::vector<DocumentObject*>& sources, bool rebuildOwners);
+    // Applies the body's features from index `start` on to `input`, which may be the
+    // cached shape before that feature.
     Result<void> rebuildFeatures(GeometryObject& body, std::size_t start,
-                                 geometry::NamedShape shape, std::vector<std::string> active);
+                                 const geometry::NamedShape& input,
+                                 std::vector<std::string> active);
     bool cacheMatches(const GeometryObject& body) const;
 
     struct BodyCacheEntry {
         std::vector<std::string> active; // the active feature IDs that made the shape
-        geometry::NamedShape shape;
+        TopoDS_Shape shape;              // compared with the body's, never used for its names
     };
 
     ObjectList objects_;
@@ -155,7 +165,9 @@ private:
     mutable std::vector<std::string> evaluating_; // parameters being evaluated, innermost last
 
     int notifyDepth_ = 0;
-    std::vector<std::pair<std::string, geometry::NamedShape>> computeStack_; // innermost last
+    // (body ID, input) of the features being applied, innermost last; each input
+    // lives in the rebuild that applies it, and a named shape is costly to copy.
+    std::vector<std::pair<std::string, const geometry::NamedShape*>> computeStack_;
     std::map<std::string, geometry::NamedShape, std::less<>>
         shapeCache_; // shape before each feature
     std::map<std::string, BodyCacheEntry, std::less<>> bodyCache_;

@@ -43,8 +43,8 @@ public:
     }
     virtual void renameInExpressions(std::string_view /*from*/, std::string_view /*to*/) {}
     virtual bool reevaluateExpressions(std::vector<std::string>& /*problems*/) { return false; }
-    // Everything re-evaluating may change, to put back exactly when a parameter
-    // change is refused or undone.
+    // The values, solved geometry and expression text that re-evaluating or renaming
+    // may change, put back exactly when a parameter change is refused or undone.
     virtual std::any valuesSnapshot() const { return {}; }
     virtual void restoreValues(const std::any& /*snapshot*/) {}
 

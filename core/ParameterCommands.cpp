@@ -2,11 +2,10 @@
 // puts back the parameter list and every value, sketch and feature it changed.
 #include "core/ArgReader.h"
 #include "core/Document.h"
-#include "core/GeometryObject.h"
 #include "core/Parameters.h"
 #include "core/units/Format.h"
 
-#include <any>
+#include <algorithm>
 
 namespace cad {
 
@@ -23,41 +22,20 @@ public:
     using Command::Command;
 
     CommandResult execute(Document& doc) override {
-        saved_ = Saved::of(doc);
+        parameters_ = doc.parameters();
+        before_ = {};
         CommandResult result = change(doc);
-        if (!result.ok) saved_.restore(doc);
+        if (!result.ok) undo(doc);
         return result;
     }
-    void undo(Document& doc) override { saved_.restore(doc); }
+    // Only the objects the change reached are put back, and only what uses their
+    // values is computed again.
+    void undo(Document& doc) override {
+        doc.setParameters(parameters_);
+        before_.restore(doc);
+    }
 
 private:
-    // The parameter list and every expression-driven value, as they were.
-    struct Saved {
-        std::vector<Parameter> parameters;
-        std::vector<std::pair<std::uint64_t, std::any>> values;
-
-        static Saved of(const Document& doc) {
-            Saved s{doc.parameters(), {}};
-            for (const auto& o : doc.objects())
-                if (std::any v = o->valuesSnapshot(); v.has_value())
-                    s.values.emplace_back(o->serial, std::move(v));
-            return s;
-        }
-        void restore(Document& doc) const {
-            doc.setParameters(parameters);
-            for (const auto& [serial, snapshot] : values) {
-                DocumentObject* object = doc.findBySerial(serial);
-                if (!object) continue;
-                object->restoreValues(snapshot);
-                if (GeometryObject* body = doc.bodyOfFeature(object->id)) {
-                    (void)doc.rebuildBody(*body);
-                    doc.notifyChanged(*body);
-                }
-                doc.notifyChanged(*object);
-            }
-        }
-    };
-
     CommandResult change(Document& doc) {
         if (record_.name == "set_parameter") return set(doc);
         if (record_.name == "rename_parameter") return rename(doc);
@@ -93,7 +71,8 @@ private:
             (value->isLength ? units::formatLength(value->value, doc.lengthUnit(), true, -1)
                              : units::formatNumber(value->value, units::Length::Millimeters, -1));
 
-        if (std::vector<std::string> problems = recomputeExpressions(doc); !problems.empty())
+        if (std::vector<std::string> problems = recomputeExpressions(doc, &before_);
+            !problems.empty())
             return CommandResult::failure("That would break " + joined(problems));
         return CommandResult::success(text);
     }
@@ -108,8 +87,9 @@ private:
             return CommandResult::failure(ok.error());
         if (doc.findParameter(to))
             return CommandResult::failure("There's a parameter named '" + to + "' already.");
-        renameParameterEverywhere(doc, from, to);
-        if (std::vector<std::string> problems = recomputeExpressions(doc); !problems.empty())
+        renameParameterEverywhere(doc, from, to, &before_);
+        if (std::vector<std::string> problems = recomputeExpressions(doc, &before_);
+            !problems.empty())
             return CommandResult::failure("Renaming would break " + joined(problems));
         return CommandResult::success("Renamed " + from + " to " + to + ".");
     }
@@ -127,7 +107,8 @@ private:
         return CommandResult::success("Deleted " + name + ".");
     }
 
-    Saved saved_;
+    std::vector<Parameter> parameters_; // the list as it was
+    ValueSnapshots before_;             // the values the change reached, as they were
 };
 
 // The parameter commands answer missing arguments in their own words.

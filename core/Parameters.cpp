@@ -44,31 +44,68 @@ std::vector<std::string> parameterUsers(const Document& document, std::string_vi
     return users;
 }
 
-void renameParameterEverywhere(Document& document, std::string_view from, std::string_view to) {
+bool ValueSnapshots::has(const DocumentObject& object) const {
+    return std::any_of(entries_.begin(), entries_.end(),
+                       [&](const Entry& e) { return e.serial == object.serial; });
+}
+
+void ValueSnapshots::keep(const DocumentObject& object, std::any snapshot, bool valuesChange) {
+    for (Entry& e : entries_)
+        if (e.serial == object.serial) {
+            e.valuesChange = e.valuesChange || valuesChange;
+            return;
+        }
+    entries_.push_back({object.serial, std::move(snapshot), valuesChange});
+}
+
+void ValueSnapshots::restore(Document& document) const {
+    std::vector<DocumentObject*> changed;
+    for (const Entry& e : entries_) {
+        DocumentObject* object = document.findBySerial(e.serial);
+        if (!object) continue;
+        object->restoreValues(e.values);
+        if (e.valuesChange) changed.push_back(object);
+    }
+    // Unapplied changes never reached a body: the shapes are still those of these values.
+    if (applied_ && !changed.empty()) document.notifyValuesChanged(changed);
+}
+
+void renameParameterEverywhere(Document& document, std::string_view from, std::string_view to,
+                               ValueSnapshots* before) {
     std::vector<Parameter> parameters = document.parameters();
     for (Parameter& p : parameters) {
         if (p.name == from) p.name = std::string(to);
         p.expression = units::renameInExpression(p.expression, from, to);
     }
     document.setParameters(std::move(parameters));
-    for (const auto& o : document.objects()) o->renameInExpressions(from, to);
+    for (const auto& o : document.objects()) {
+        if (before && !before->has(*o)) {
+            std::vector<std::pair<std::string, units::Expression>> values = o->valueExpressions();
+            if (std::any_of(values.begin(), values.end(),
+                            [&](const auto& v) { return uses(v.second.text, from); }))
+                before->keep(*o, o->valuesSnapshot(), false);
+        }
+        o->renameInExpressions(from, to);
+    }
 }
 
-std::vector<std::string> recomputeExpressions(Document& document) {
+std::vector<std::string> recomputeExpressions(Document& document, ValueSnapshots* before) {
     units::ScopedParameterLookup scope(document.parameterLookup(), document.lengthUnit());
     std::vector<std::string> problems;
     std::vector<DocumentObject*> changed;
-    for (const auto& o : document.objects())
-        if (o->reevaluateExpressions(problems)) changed.push_back(o.get());
-
-    // A changed feature rebuilds its body; anything else reaches its users.
-    for (DocumentObject* object : changed) {
-        if (GeometryObject* body = document.bodyOfFeature(object->id)) {
-            (void)document.rebuildBody(*body);
-            document.notifyChanged(*body);
-        }
-        document.notifyChanged(*object);
+    for (const auto& o : document.objects()) {
+        if (o->valueExpressions().empty()) continue;
+        std::any was;
+        if (before && !before->has(*o)) was = o->valuesSnapshot();
+        if (!o->reevaluateExpressions(problems)) continue;
+        changed.push_back(o.get());
+        if (before) before->keep(*o, std::move(was), true);
     }
+    if (changed.empty() || (before && !problems.empty())) return problems;
+
+    // Each body is rebuilt once, from the first feature a changed value reaches.
+    document.notifyValuesChanged(changed);
+    if (before) before->markApplied();
     return problems;
 }
 

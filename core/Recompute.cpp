@@ -49,53 +49,74 @@ Document::dependencyOrder(const std::vector<DocumentObject*>& subset) const {
 }
 
 void Document::notifyChanged(const DocumentObject& changed) {
-    DocumentObject* object = findBySerial(changed.serial);
-    if (!object) return;
-    tellObservers(*object);
+    if (DocumentObject* object = findBySerial(changed.serial)) propagate({object}, false);
+}
+
+void Document::notifyValuesChanged(const std::vector<DocumentObject*>& objects) {
+    propagate(objects, true);
+}
+
+void Document::propagate(const std::vector<DocumentObject*>& sources, bool rebuildOwners) {
+    for (DocumentObject* source : sources) tellObservers(*source);
     if (notifyDepth_ >= 1) return;
     ++notifyDepth_;
 
-    // Everything that depends on the object, directly or through others.
+    // Everything that depends on the sources, directly or through others.
+    std::set<std::string, std::less<>> changedIds;
     std::vector<DocumentObject*> affected;
-    std::set<const DocumentObject*> seen{object};
-    std::deque<std::string> queue{object->id};
+    std::set<const DocumentObject*> seen;
+    std::deque<std::string> queue;
+    for (DocumentObject* source : sources) {
+        seen.insert(source);
+        changedIds.insert(source->id);
+        queue.push_back(source->id);
+    }
+    auto reach = [&](DocumentObject* object) {
+        if (!seen.insert(object).second) return;
+        affected.push_back(object);
+        queue.push_back(object->id);
+    };
+    // Features whose own values changed; each is computed again by its body.
+    std::set<std::string, std::less<>> changedFeatures;
+    if (rebuildOwners)
+        for (DocumentObject* source : sources)
+            if (isFeature(*source))
+                if (GeometryObject* body = bodyOfFeature(source->id)) {
+                    changedFeatures.insert(source->id);
+                    reach(body);
+                }
     while (!queue.empty()) {
         std::string id = std::move(queue.front());
         queue.pop_front();
         for (const auto& other : objects_) {
             if (seen.count(other.get()) || isFeature(*other)) continue;
-            if (!contains(dependenciesOf(*other), id)) continue;
-            seen.insert(other.get());
-            affected.push_back(other.get());
-            queue.push_back(other->id);
+            if (contains(dependenciesOf(*other), id)) reach(other.get());
         }
     }
 
-    std::set<std::string, std::less<>> changedIds{object->id};
+    auto reachesChange = [&](const std::vector<std::string>& uses) {
+        return std::any_of(uses.begin(), uses.end(),
+                           [&](const std::string& id) { return changedIds.count(id) > 0; });
+    };
     for (DocumentObject* target : dependencyOrder(affected)) {
-        std::vector<std::string> uses = dependenciesOf(*target);
-        bool touched = std::any_of(uses.begin(), uses.end(),
-                                   [&](const std::string& id) { return changedIds.count(id) > 0; });
-        if (!touched) continue;
         if (auto* body = dynamic_cast<GeometryObject*>(target)) {
-            // Only the features from the first one that uses a changed object on.
+            // Only the features from the first one that changed or uses a change on.
             std::string first;
             for (const std::string& featureId : body->features) {
                 auto* feature = dynamic_cast<const FeatureObject*>(find(featureId));
                 if (!feature) continue;
-                std::vector<std::string> refs = feature->references();
-                if (std::any_of(refs.begin(), refs.end(),
-                                [&](const std::string& id) { return changedIds.count(id) > 0; })) {
+                if (changedFeatures.count(featureId) || reachesChange(feature->references())) {
                     first = featureId;
                     break;
                 }
             }
-            (void)(first.empty() ? rebuildBody(*body) : rebuildBodyFrom(*body, first));
+            if (first.empty()) continue;
+            (void)rebuildBodyFrom(*body, first);
             changedIds.insert(body->id);
             tellObservers(*body);
             for (const std::string& featureId : body->features)
                 if (DocumentObject* feature = findByName(featureId)) tellObservers(*feature);
-        } else if (target->recompute(*this)) {
+        } else if (reachesChange(dependenciesOf(*target)) && target->recompute(*this)) {
             changedIds.insert(target->id);
             tellObservers(*target);
         }
@@ -138,8 +159,9 @@ void Document::recomputeAllAndNotify() {
 Result<geometry::NamedShape> Document::applyFeature(const GeometryObject& body,
                                                     const FeatureObject& feature,
                                                     const geometry::NamedShape& input) {
-    computeStack_.emplace_back(body.id, input);
-    shapeCache_[feature.id] = input;
+    computeStack_.emplace_back(body.id, &input);
+    // A rebuild that starts at this feature starts from its cached input itself.
+    if (geometry::NamedShape& before = shapeCache_[feature.id]; &before != &input) before = input;
     Result<geometry::NamedShape> result = [&]() -> Result<geometry::NamedShape> {
         try {
             return feature.apply(input, *this);
@@ -163,7 +185,7 @@ Result<void> Document::rebuildBody(GeometryObject& body) {
 
     auto cached = bodyCache_.find(body.id);
     if (cached != bodyCache_.end() && !active.empty() &&
-        body.shape.shape().IsEqual(cached->second.shape.shape())) {
+        body.shape.shape().IsEqual(cached->second.shape)) {
         std::vector<std::string>& was = cached->second.active;
         // A feature was added at the end: compute only that one.
         if (was.size() + 1 == active.size() && std::equal(was.begin(), was.end(), active.begin())) {
@@ -177,7 +199,7 @@ Result<void> Document::rebuildBody(GeometryObject& body) {
                 }
                 feature->error.clear();
                 body.shape = std::move(result).value();
-                cached->second = {active, body.shape};
+                cached->second = {active, body.shape.shape()};
                 return {};
             }
         }
@@ -187,7 +209,7 @@ Result<void> Document::rebuildBody(GeometryObject& body) {
             auto before = shapeCache_.find(was.back());
             if (before != shapeCache_.end()) {
                 body.shape = before->second;
-                cached->second = {active, body.shape};
+                cached->second = {active, body.shape.shape()};
                 return {};
             }
         }
@@ -198,7 +220,7 @@ Result<void> Document::rebuildBody(GeometryObject& body) {
 
 bool Document::cacheMatches(const GeometryObject& body) const {
     auto cached = bodyCache_.find(body.id);
-    return cached != bodyCache_.end() && body.shape.shape().IsEqual(cached->second.shape.shape());
+    return cached != bodyCache_.end() && body.shape.shape().IsEqual(cached->second.shape);
 }
 
 Result<void> Document::rebuildBodyFrom(GeometryObject& body, std::string_view featureId) {
@@ -216,8 +238,11 @@ Result<void> Document::rebuildBodyFrom(GeometryObject& body, std::string_view fe
 }
 
 Result<void> Document::rebuildFeatures(GeometryObject& body, std::size_t start,
-                                       geometry::NamedShape shape,
+                                       const geometry::NamedShape& input,
                                        std::vector<std::string> active) {
+    // The shape so far: `input` until a feature computes, then the latest result.
+    geometry::NamedShape shape;
+    const geometry::NamedShape* current = &input;
     std::string failure;
     for (std::size_t i = start; i < body.features.size(); ++i) {
         const std::string& id = body.features[i];
@@ -231,22 +256,27 @@ Result<void> Document::rebuildFeatures(GeometryObject& body, std::size_t start,
             continue;
         }
         if (!isActive(*feature)) {
-            shapeCache_[id] = shape;
+            if (geometry::NamedShape& before = shapeCache_[id]; &before != current)
+                before = *current;
             feature->error.clear();
             continue;
         }
-        Result<geometry::NamedShape> result = applyFeature(body, *feature, shape);
+        Result<geometry::NamedShape> result = applyFeature(body, *feature, *current);
         if (result) {
             feature->error.clear();
             shape = std::move(result).value();
+            current = &shape;
         } else {
             feature->error = result.error();
             failure = feature->id + ": " + result.error();
         }
     }
-    body.shape = std::move(shape);
+    if (current == &shape)
+        body.shape = std::move(shape);
+    else
+        body.shape = *current;
     if (failure.empty()) {
-        bodyCache_[body.id] = {std::move(active), body.shape};
+        bodyCache_[body.id] = {std::move(active), body.shape.shape()};
         return {};
     }
     bodyCache_.erase(body.id);
@@ -260,7 +290,7 @@ const geometry::NamedShape* Document::shapeBefore(std::string_view featureId) co
 
 const geometry::NamedShape* Document::shapeInProgress(std::string_view bodyId) const {
     for (auto it = computeStack_.rbegin(); it != computeStack_.rend(); ++it)
-        if (it->first == bodyId) return &it->second;
+        if (it->first == bodyId) return it->second;
     return nullptr;
 }
 

@@ -1,5 +1,5 @@
 // Parameters: name rules, values that follow them, refusals that change nothing,
-// renaming through every expression, and undo.
+// renaming through every expression, and undo that computes only what the change reached.
 #include "core/CommandStack.h"
 #include "core/Document.h"
 #include "core/GeometryObject.h"
@@ -26,8 +26,8 @@ struct Parameters : ::testing::Test {
         return stack.execute(
             CommandRecord("set_parameter").set("name", name).set("expression", expression));
     }
-    void followExpression(const char* text) {
-        extrude->distanceExpression =
+    void followExpression(const char* text, test::TestFeature* feature = nullptr) {
+        (feature ? feature : extrude)->distanceExpression =
             units::Expression{text, units::Length::Millimeters, true, false};
     }
     std::vector<std::string> names() const {
@@ -123,4 +123,64 @@ TEST_F(Parameters, RenameDeleteAndUndo) {
     stack.undo(); // w = 20
     EXPECT_EQ(doc.findParameter("w")->expression, "10");
     EXPECT_EQ(extrude->distance, 0); // before the expression was attached by hand
+}
+
+TEST_F(Parameters, OnlyWhatAChangeReachesIsComputedAgain) {
+    // Body1: Extrude1, Hole1, Hole2; Body2: Pocket1, which no parameter reaches.
+    auto feature = [&](const char* id) {
+        return static_cast<test::TestFeature*>(doc.add(std::make_unique<test::TestFeature>(id)));
+    };
+    test::TestFeature* middle = feature("Hole1");
+    test::TestFeature* last = feature("Hole2");
+    test::TestFeature* pocket = feature("Pocket1");
+    auto* body = doc.findAs<GeometryObject>("Body1");
+    body->features = {"Extrude1", "Hole1", "Hole2"};
+    auto other = std::make_unique<GeometryObject>();
+    other->id = "Body2";
+    other->features = {"Pocket1"};
+    auto* body2 = static_cast<GeometryObject*>(doc.add(std::move(other)));
+    ASSERT_TRUE(doc.rebuildBody(*body).ok() && doc.rebuildBody(*body2).ok());
+    const TopoDS_Shape untouched = body2->shape.shape();
+    auto computed = [&] {
+        std::vector<int> counts{extrude->applied, middle->applied, last->applied, pocket->applied};
+        extrude->applied = middle->applied = last->applied = pocket->applied = 0;
+        return counts;
+    };
+    computed();
+
+    // Changing the last feature's value computes that feature alone.
+    ASSERT_TRUE(set("w", "10").ok);
+    followExpression("w * 2", last);
+    ASSERT_TRUE(set("w", "3").ok);
+    EXPECT_EQ(last->distance, 6);
+    EXPECT_EQ(computed(), (std::vector<int>{0, 0, 1, 0}));
+    followExpression("12 / w", middle);
+    ASSERT_TRUE(set("w", "4").ok);
+    EXPECT_EQ(computed(), (std::vector<int>{0, 1, 1, 0})); // once, from the first one reached
+
+    // Refusals put back the values they changed and compute nothing.
+    const TopoDS_Shape built = body->shape.shape();
+    EXPECT_EQ(set("w", "0").message, "That would break Hole1.distance: Division by zero.");
+    EXPECT_FALSE(set("w", "4mmm").ok);
+    EXPECT_EQ(last->distance, 8);
+    EXPECT_EQ(middle->distance, 3);
+    EXPECT_EQ(computed(), (std::vector<int>{0, 0, 0, 0}));
+    EXPECT_TRUE(body->shape.shape().IsSame(built));
+
+    // A rename changes no value: neither it nor its undo computes anything.
+    ASSERT_TRUE(
+        stack.execute(CommandRecord("rename_parameter").set("name", "w").set("to", "width")).ok);
+    EXPECT_EQ(middle->distanceExpression->text, "12 / width");
+    stack.undo();
+    EXPECT_EQ(middle->distanceExpression->text, "12 / w");
+    EXPECT_EQ(computed(), (std::vector<int>{0, 0, 0, 0}));
+
+    // Undo puts back exactly the values before and computes only what uses them.
+    stack.undo(); // w = 4
+    EXPECT_EQ(doc.findParameter("w")->expression, "3");
+    EXPECT_EQ(middle->distance, 0);
+    EXPECT_EQ(last->distance, 6);
+    EXPECT_EQ(computed(), (std::vector<int>{0, 1, 1, 0}));
+    EXPECT_EQ(test::vertexCount(body->shape), 3);
+    EXPECT_TRUE(body2->shape.shape().IsSame(untouched));
 }
