@@ -13,6 +13,7 @@
 #include <climits>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <system_error>
 
 namespace cad::app {
@@ -54,16 +55,21 @@ struct FixedText {
     std::size_t size;
     std::size_t length = 0;
 
-    bool add(const char* text) {
-        for (; *text; ++text) {
-            if (length + 1 >= size) return false;
-            out[length++] = *text;
-        }
+    bool put(char c) {
+        if (length + 1 >= size) return false;
+        out[length++] = c;
         out[length] = '\0';
         return true;
     }
+    bool add(const char* text) {
+        for (; *text; ++text)
+            if (!put(*text)) return false;
+        return true;
+    }
+    // Decimal, zero-padded on the left to at least width digits. The padding goes
+    // straight into the output, so only the output's size bounds it.
     bool number(long long value, int width) {
-        char digits[24];
+        char digits[std::numeric_limits<unsigned long long>::digits10 + 1];
         int count = 0;
         const bool negative = value < 0;
         unsigned long long magnitude = negative ? 0ULL - static_cast<unsigned long long>(value)
@@ -72,12 +78,12 @@ struct FixedText {
             digits[count++] = static_cast<char>('0' + magnitude % 10);
             magnitude /= 10;
         } while (magnitude != 0);
-        while (count < width) digits[count++] = '0';
-        if (negative && !add("-")) return false;
-        char text[24];
-        for (int i = 0; i < count; ++i) text[i] = digits[count - 1 - i];
-        text[count] = '\0';
-        return add(text);
+        if (negative && !put('-')) return false;
+        for (int padding = count; padding < width; ++padding)
+            if (!put('0')) return false;
+        while (count > 0)
+            if (!put(digits[--count])) return false;
+        return true;
     }
 };
 

@@ -14,8 +14,13 @@ namespace {
 
 // Motion stops when the device has been silent this long.
 constexpr qint64 inputTimeoutMs = 100;
-// libspnav holds one connection per process; the first SpaceMouse takes it.
+// libspnav holds one connection per process; the first SpaceMouse takes it and the
+// next one may take it again once it is closed.
 bool daemonTaken = false;
+// A failed spnav_open keeps its connection state allocated and a later spnav_open
+// allocates afresh, so without a daemon every further attempt would leak. Whether the
+// daemon is there is therefore asked once per process.
+bool daemonMissing = false;
 
 } // namespace
 
@@ -25,11 +30,10 @@ SpaceMouse::SpaceMouse(QObject* parent) : QObject(parent) {
     timer_.setInterval(8);
     connect(&timer_, &QTimer::timeout, this, &SpaceMouse::tick);
 
-    if (daemonTaken) return;
+    if (daemonTaken || daemonMissing) return;
     if (spnav_open() == -1) {
-        static bool said = false;
-        if (!said) qCDebug(viewportLog, "no spacenav daemon: SpaceMouse input is inactive");
-        said = true;
+        daemonMissing = true;
+        qCDebug(viewportLog, "no spacenav daemon: SpaceMouse input is inactive");
         return;
     }
     opened_ = daemonTaken = true;

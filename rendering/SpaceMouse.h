@@ -1,6 +1,7 @@
 // The 3Dconnexion SpaceMouse: reads the device through the spacenav daemon (libspnav),
 // shapes its axes with the user's preferences and reports camera motion every 8 ms
-// while input keeps arriving. Without a daemon it is simply inactive.
+// while input keeps arriving. Without a daemon it is simply inactive; the daemon is
+// looked for once per process, so one started later counts from the next start.
 #pragma once
 
 #include "rendering/SpaceMouseInput.h"

@@ -13,7 +13,6 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -35,7 +34,8 @@ struct TempFolder {
     }
 };
 
-void writeThroughNull() {
+// The fault itself is the point, so the sanitizer build must not stop the child first.
+[[gnu::no_sanitize("null")]] void writeThroughNull() {
     volatile int* volatile nowhere = nullptr;
     *nowhere = 1;
 }
@@ -100,7 +100,6 @@ TEST(CrashHandler, ReportNamesTheSignalAndTheChildDiesOfIt) {
             reports.push_back(entry.path());
         ASSERT_EQ(reports.size(), 1u);
         const std::string name = reports[0].filename().string();
-        EXPECT_TRUE(std::regex_match(name, std::regex(R"(korvel-\d{8}-\d{6}\.txt)"))) << name;
         bool timely = false;
         for (std::time_t t = before; t <= after; ++t) timely = timely || name == nameAt(t);
         EXPECT_TRUE(timely) << name << " not in local time between " << nameAt(before) << " and "
@@ -145,4 +144,10 @@ TEST(CrashHandler, ReportPathIsFormattedOnlyWhenItFits) {
     char tight[33]; // one short of the 33 characters plus terminator
     EXPECT_FALSE(formatCrashReportPath(tight, sizeof tight, "/tmp/c", t));
     EXPECT_STREQ(tight, "");
+
+    // Fields wider than their padding, and negative ones, keep every digit.
+    ASSERT_TRUE(formatCrashReportPath(path, sizeof path, "/c", {-2147483647 - 1, 12, 31, 0, 0, 0}));
+    EXPECT_STREQ(path, "/c/korvel--21474836481231-000000.txt");
+    ASSERT_TRUE(formatCrashReportPath(path, sizeof path, "/c", {12345, 1, 2, 3, 4, -5}));
+    EXPECT_STREQ(path, "/c/korvel-123450102-0304-05.txt");
 }
