@@ -193,15 +193,15 @@ Result<std::string> ArgReader::choice(std::string_view arg, const std::vector<st
 
 Result<void> checkArgumentTypes(const CommandRecord& record, const std::vector<ArgSpec>& declared) {
     ArgReader args(record);
-    for (const ArgSpec& spec : declared) {
-        const Value* value = record.find(spec.name);
+    for (const ArgSpec& declaredArg : declared) {
+        const Value* value = record.find(declaredArg.name);
         if (!value) continue;
-        if (!spec.refersTo.empty()) {
+        if (!declaredArg.refersTo.empty()) {
             // An optional reference may be empty ("roll_back" to nothing); a required
             // one may not.
             auto* name = std::get_if<std::string>(value);
-            if (!name || (spec.required && name->empty()))
-                if (Result<std::string> object = args.object(spec.name); !object)
+            if (!name || (declaredArg.required && name->empty()))
+                if (Result<std::string> object = args.object(declaredArg.name); !object)
                     return Error(object);
             continue;
         }
@@ -211,30 +211,30 @@ Result<void> checkArgumentTypes(const CommandRecord& record, const std::vector<A
         const bool flag = std::holds_alternative<bool>(*value);
         const bool text = std::holds_alternative<std::string>(*value);
         Result<void> ok;
-        switch (spec.type) {
+        switch (declaredArg.type) {
         case ArgType::Length:
-            if (flag) ok = Error(args.length(spec.name));
+            if (flag) ok = Error(args.length(declaredArg.name));
             break;
         case ArgType::Number:
-            if (flag) ok = Error(args.number(spec.name));
+            if (flag) ok = Error(args.number(declaredArg.name));
             break;
         case ArgType::Angle:
-            if (flag) ok = Error(args.angle(spec.name));
+            if (flag) ok = Error(args.angle(declaredArg.name));
             break;
         case ArgType::Integer:
-            if (flag) ok = Error(args.integer(spec.name));
+            if (flag) ok = Error(args.integer(declaredArg.name));
             break;
         case ArgType::Boolean:
-            if (!flag) ok = Error(args.boolean(spec.name));
+            if (!flag) ok = Error(args.boolean(declaredArg.name));
             break;
         case ArgType::SketchReference:
             if (!text)
-                ok = fail(record.name + ": '" + spec.name +
+                ok = fail(record.name + ": '" + declaredArg.name +
                           "' must be a reference like \"Line1.end\".");
             break;
         case ArgType::String:
         case ArgType::Text:
-            if (!text) ok = Error(args.string(spec.name));
+            if (!text) ok = Error(args.string(declaredArg.name));
             break;
         }
         if (!ok) return ok;

@@ -12,9 +12,9 @@ namespace cad::mcp::testing {
 namespace {
 
 // JSON values an argument of this declaration must refuse.
-std::vector<json> wrongKinds(const ArgSpec& spec) {
+std::vector<json> wrongKinds(const ArgSpec& declaredArg) {
     std::vector<json> wrong = {nullptr, json::array({1}), json::object({{"a", 1}})};
-    switch (spec.type) {
+    switch (declaredArg.type) {
     case ArgType::Length:
     case ArgType::Number:
     case ArgType::Angle:
@@ -28,7 +28,7 @@ std::vector<json> wrongKinds(const ArgSpec& spec) {
     case ArgType::SketchReference:
     case ArgType::Text:
         wrong.insert(wrong.end(), {5, 2.5, false});
-        if (!spec.refersTo.empty() && spec.required) wrong.push_back("");
+        if (!declaredArg.refersTo.empty() && declaredArg.required) wrong.push_back("");
         break;
     }
     return wrong;
@@ -45,15 +45,15 @@ TEST(ArgumentKinds, EveryCommandRefusesWrongKindsWithItsOwnSentence) {
 
     int calls = 0;
     for (const CommandRegistry::Entry& entry : s.host.registry().entries()) {
-        for (const ArgSpec& spec : entry.arguments) {
-            for (const json& value : wrongKinds(spec)) {
-                ToolReply reply = s.session.call(entry.name, {{spec.name, value}});
+        for (const ArgSpec& declaredArg : entry.arguments) {
+            for (const json& value : wrongKinds(declaredArg)) {
+                ToolReply reply = s.session.call(entry.name, {{declaredArg.name, value}});
                 ++calls;
-                const std::string where = entry.name + " " + spec.name + "=" + value.dump();
+                const std::string where = entry.name + " " + declaredArg.name + "=" + value.dump();
                 EXPECT_TRUE(reply.isError) << where;
                 EXPECT_EQ(reply.text.rfind(entry.name + ": ", 0), 0u)
                     << where << ": " << reply.text;
-                EXPECT_NE(reply.text.find("'" + spec.name + "'"), std::string::npos)
+                EXPECT_NE(reply.text.find("'" + declaredArg.name + "'"), std::string::npos)
                     << where << ": " << reply.text;
             }
         }
