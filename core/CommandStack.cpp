@@ -36,7 +36,27 @@ void CommandStack::announce(CommandEvent::Kind kind, const CommandRecord& record
     for (const Listener& listener : listeners_) listener(event);
 }
 
+CommandResult CommandStack::tryOut(const CommandRecord& record) {
+    withdrawTrial();
+    auto context = expressionContext(document_);
+    CommandRecord canonical = registry_.canonicalize(record, document_);
+    Result<std::unique_ptr<Command>> command = registry_.create(canonical);
+    if (!command) return CommandResult::failure(command.error());
+    CommandResult result = guardedExecute(**command, document_);
+    if (result.ok) trial_ = std::move(command).value();
+    return result;
+}
+
+bool CommandStack::withdrawTrial() {
+    if (!trial_) return false;
+    auto context = expressionContext(document_);
+    std::unique_ptr<Command> trial = std::move(trial_);
+    trial->undo(document_);
+    return true;
+}
+
 CommandResult CommandStack::execute(const CommandRecord& record) {
+    withdrawTrial();
     auto context = expressionContext(document_);
     CommandRecord canonical = registry_.canonicalize(record, document_);
     Result<std::unique_ptr<Command>> command = registry_.create(canonical);
@@ -49,6 +69,7 @@ CommandResult CommandStack::execute(const CommandRecord& record) {
 
 CommandResult CommandStack::execute(std::unique_ptr<Command> command) {
     if (!command) return CommandResult::failure("There is no command to run.");
+    withdrawTrial();
     auto context = expressionContext(document_);
     CommandResult result = guardedExecute(*command, document_);
     if (!result.ok) {
@@ -75,6 +96,7 @@ CommandResult CommandStack::execute(std::unique_ptr<Command> command) {
 }
 
 bool CommandStack::undo() {
+    withdrawTrial();
     if (undoStack_.empty()) return false;
     auto context = expressionContext(document_);
     Step step = std::move(undoStack_.back());
@@ -89,6 +111,7 @@ bool CommandStack::undo() {
 }
 
 CommandResult CommandStack::redo() {
+    withdrawTrial();
     if (redoStack_.empty()) return CommandResult::failure("Nothing to redo.");
     auto context = expressionContext(document_);
     Step& step = redoStack_.back();
@@ -126,6 +149,7 @@ void CommandStack::endGroup() {
 }
 
 void CommandStack::clear() {
+    withdrawTrial();
     undoStack_.clear();
     redoStack_.clear();
     groupOpen_ = false;

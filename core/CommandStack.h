@@ -41,6 +41,14 @@ public:
     std::uint64_t position() const { return undoStack_.empty() ? 0 : undoStack_.back().sequence; }
     const CommandRecord* redoRecord() const;
 
+    // A trial run outside the history, for a form's live edit: nothing is recorded or
+    // announced, and the command stays applied until withdrawn. Anything else the
+    // stack does first withdraws it, so the history never runs on top of a trial.
+    CommandResult tryOut(const CommandRecord& record);
+    // Undoes the trial run; false when there was none.
+    bool withdrawTrial();
+    bool hasTrial() const { return trial_ != nullptr; }
+
     // Commands executed between these form one step that undoes and redoes as a unit.
     void beginGroup();
     void endGroup();
@@ -65,6 +73,7 @@ private:
     std::vector<Step> redoStack_;
     std::vector<Listener> listeners_;
     std::uint64_t nextSequence_ = 1;
+    std::unique_ptr<Command> trial_;
     int groupDepth_ = 0;
     bool groupOpen_ = false;
 };

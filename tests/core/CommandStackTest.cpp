@@ -242,3 +242,32 @@ TEST_F(Fixture, NamesBecomeIdsBeforeTheCommandIsMade) {
     ASSERT_TRUE(stack.execute(CommandRecord("label").set("object", "body2").set("label", "x")).ok);
     EXPECT_EQ(stack.undoRecord()->toCall(), "label(object=\"Body2\", label=\"x\")");
 }
+
+TEST_F(Fixture, TrialRunsStayOutOfTheHistoryAndGiveWayToRealCommands) {
+    stack.execute(addThing("Body"));
+    events.clear();
+
+    // A trial is applied, unannounced and unrecorded, until withdrawn.
+    EXPECT_TRUE(stack.tryOut(CommandRecord("label").set("object", "Body1").set("label", "Plate")).ok);
+    EXPECT_EQ(doc.find("Body1")->label, "Plate");
+    EXPECT_TRUE(events.empty());
+    EXPECT_EQ(stack.undoCount(), 1u);
+    EXPECT_TRUE(stack.withdrawTrial());
+    EXPECT_EQ(doc.find("Body1")->label, "");
+    EXPECT_FALSE(stack.withdrawTrial());
+
+    // A failed trial leaves nothing applied.
+    EXPECT_FALSE(stack.tryOut(CommandRecord("label").set("object", "Nope")).ok);
+    EXPECT_FALSE(stack.hasTrial());
+
+    // Undo, and any real command, first take the trial back: the history never runs
+    // on top of it.
+    stack.tryOut(CommandRecord("label").set("object", "Body1").set("label", "Plate"));
+    stack.execute(addThing("Body"));
+    EXPECT_EQ(doc.find("Body1")->label, "");
+    EXPECT_FALSE(stack.hasTrial());
+    stack.tryOut(CommandRecord("label").set("object", "Body2").set("label", "Lid"));
+    EXPECT_TRUE(stack.undo());
+    EXPECT_EQ(doc.find("Body2"), nullptr);
+    EXPECT_EQ(doc.find("Body1")->label, "");
+}
