@@ -1,0 +1,99 @@
+// The browser: every object of the document in folders under the document's row,
+// with an eye to show or hide each object (or a whole folder), selection that
+// follows into the view, and a context menu to edit, rename and delete.
+#pragma once
+
+#include "core/DocumentObserver.h"
+#include "ui/panels/PanelHooks.h"
+
+#include <QHash>
+#include <QSet>
+#include <QStringList>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include <cstdint>
+#include <string_view>
+
+class QMenu;
+
+namespace cad {
+class Document;
+}
+
+namespace cad::ui {
+
+class RenameDelegate;
+
+class ObjectBrowser : public QTreeWidget, public DocumentObserver {
+    Q_OBJECT
+public:
+    static constexpr int kEyeColumn = 1;
+
+    // Observes the document until destroyed, so it must go before the document.
+    ObjectBrowser(Document& document, PanelHooks hooks, QWidget* parent = nullptr);
+    ~ObjectBrowser() override;
+
+    // The root row: the project's file name, or "Untitled" when empty.
+    void setDocumentName(const QString& name);
+
+    // Brings the rows up to date at once; changes are otherwise gathered and applied
+    // when control returns to the event loop.
+    void refresh();
+
+    QTreeWidgetItem* rootItem() const { return root_; }
+    QTreeWidgetItem* folderItem(const QString& folder) const;
+    QTreeWidgetItem* itemFor(std::string_view id) const;
+
+    // The IDs of the selected object rows, top to bottom.
+    QStringList selectedObjects() const;
+    // Selects these objects' rows (the view's selection shown here), without
+    // announcing it back.
+    void setSelectedObjects(const QStringList& ids);
+
+    // The eye of an object row or a folder ("Hide all" / "Show all"): one
+    // set_visibility per object whose visibility changes, as one undo step.
+    void toggleVisibility(QTreeWidgetItem* item);
+    // The context menu of a row (null when the row has none); the caller owns it.
+    QMenu* contextMenuFor(QTreeWidgetItem* item, QWidget* parent = nullptr);
+
+    // DocumentObserver: changes are noted and applied together (see refresh).
+    void objectAdded(DocumentObject& object) override;
+    void objectRemoved(DocumentObject& object) override;
+    void objectChanged(DocumentObject& object) override;
+
+signals:
+    // The selected object rows changed (IDs, top to bottom).
+    void objectsSelected(const QStringList& ids);
+    void editSketchRequested(const QString& id);
+    void editFeatureRequested(const QString& id);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    friend struct BrowserRows;
+
+    void scheduleRefresh();
+    QTreeWidgetItem* makeItem(std::uint64_t serial);
+    void updateRow(QTreeWidgetItem* item, const DocumentObject& object);
+    void updateFolderEye(QTreeWidgetItem* folder, bool anyVisible);
+    void editRow(QTreeWidgetItem* item);
+    void deleteRows(QTreeWidgetItem* item);
+    void onDoubleClicked(QTreeWidgetItem* item, int column);
+    DocumentObject* objectOf(const QTreeWidgetItem* item) const;
+
+    Document& document_;
+    PanelHooks hooks_;
+    RenameDelegate* renamer_;
+    QTreeWidgetItem* root_;
+    QHash<QString, QTreeWidgetItem*> folders_;
+    QHash<std::uint64_t, QTreeWidgetItem*> rows_; // by serial
+    QSet<std::uint64_t> changed_;                 // rows whose contents need updating
+    QSet<std::uint64_t> expanded_;                // rows the user opened
+    QTimer pending_;
+};
+
+} // namespace cad::ui
