@@ -72,14 +72,16 @@ void OverlayPanel::setCollapsed(bool collapsed) {
     }
 }
 
-void OverlayPanel::paintEvent(QPaintEvent* /*event*/) {
-    QPainter painter(this);
+void paintGlassCard(QWidget& card) {
+    QPainter painter(&card);
     painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath card;
-    card.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
-    painter.fillPath(card, kGlass);
+    QPainterPath path;
+    path.addRoundedRect(QRectF(card.rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
+    painter.fillPath(path, kGlass);
     painter.setPen(QPen(kBorder, 1.0));
-    painter.drawPath(card);
+    painter.drawPath(path);
 }
+
+void OverlayPanel::paintEvent(QPaintEvent* /*event*/) { paintGlassCard(*this); }
 
 } // namespace cad::ui

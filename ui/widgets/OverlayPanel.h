@@ -11,6 +11,10 @@ class QToolButton;
 
 namespace cad::ui {
 
+// Paints a floating card's glass and border over the 3D view's picture: the look
+// of every panel and form that floats over the view.
+void paintGlassCard(QWidget& card);
+
 class OverlayPanel : public QFrame {
     Q_OBJECT
 public:

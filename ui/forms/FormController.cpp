@@ -1,0 +1,259 @@
+// The life of an open form: opening (closing any other), checking and previewing on
+// every change, accepting through the window's command path, cancelling, and keeping
+// the card placed over the view.
+#include "ui/forms/FormController.h"
+
+#include "core/CommandStack.h"
+#include "core/Document.h"
+#include "core/units/NameLookup.h"
+#include "geometry/ExtrudeFeature.h"
+#include "rendering/Viewport.h"
+#include "ui/forms/BoxForm.h"
+#include "ui/forms/ExtrudeForm.h"
+#include "ui/forms/FeatureForm.h"
+#include "ui/presentation/ReferencePicker.h"
+
+#include <QEvent>
+#include <QKeyEvent>
+#include <QWidget>
+
+#include <algorithm>
+
+namespace cad::ui {
+
+namespace {
+
+constexpr int kMargin = 12;
+constexpr int kCardWidth = 320;
+
+// Lengths are read in the document's unit and may use its parameters.
+units::ScopedParameterLookup documentUnits(const Document& document) {
+    return units::ScopedParameterLookup(document.parameterLookup(), document.lengthUnit());
+}
+
+// An accepted edit that leaves the feature failing says so after "Now failing: ".
+QString failureNote(const std::string& message) {
+    const auto at = message.find("Now failing: ");
+    return at == std::string::npos ? QString() : QString::fromStdString(message.substr(at));
+}
+
+} // namespace
+
+FormController::FormController(QWidget* host, rendering::Viewport* view, ReferencePicker& picker,
+                               CommandStack& stack, Runner run, QObject* parent)
+    : QObject(parent), host_(host), view_(view), picker_(picker), stack_(stack),
+      run_(std::move(run)) {
+    if (host_) host_->installEventFilter(this);
+}
+
+FormController::~FormController() {
+    if (host_) host_->removeEventFilter(this);
+    close();
+}
+
+void FormController::setSelectionProvider(SelectionProvider provider) {
+    selection_ = std::move(provider);
+}
+
+bool FormController::openFeatureForm(const QString& featureName) {
+    const Document& document = stack_.document();
+    if (featureName == QStringLiteral("Extrude")) {
+        open(extrudeForm(document, selection_ ? selection_() : std::vector<std::string>()));
+        return true;
+    }
+    if (featureName == QStringLiteral("Box")) {
+        open(boxForm(document));
+        return true;
+    }
+    return false;
+}
+
+bool FormController::openEditForm(const std::string& featureId) {
+    const Document& document = stack_.document();
+    const auto* extrude = document.findAs<ExtrudeFeature>(featureId);
+    if (!extrude) return false;
+    open(editExtrudeForm(document, *extrude));
+    return true;
+}
+
+void FormController::open(FormDefinition definition) {
+    close();
+    const Document& document = stack_.document();
+    auto scope = documentUnits(document);
+    definition_ = std::move(definition);
+    form_ = new FeatureForm(&document, host_);
+    form_->setTitle(definition_.icon, definition_.title);
+    form_->setPrimaryText(definition_.primaryText);
+    if (definition_.setup) definition_.setup(*form_);
+    std::optional<FormSession::Handle> handle;
+    if (definition_.session) handle = definition_.session(*form_);
+    session_ = std::make_unique<FormSession>(view_, stack_, std::move(handle));
+
+    connect(form_, &FeatureForm::changed, this, [this] { update(); });
+    connect(form_, &FeatureForm::activePickChanged, this, &FormController::pickRowChanged);
+    connect(form_, &FeatureForm::acceptRequested, this, [this] { accept(); });
+    connect(form_, &FeatureForm::cancelRequested, this, &FormController::cancel);
+    placeForm();
+    form_->show();
+    form_->raise();
+    update();
+    form_->activateNextEmptyPick();
+    emit opened();
+}
+
+void FormController::cancel() {
+    if (busy_) return;
+    close();
+}
+
+bool FormController::accept() {
+    if (!form_ || busy_ || !form_->acceptEnabled() || !definition_.build) return false;
+    Result<CommandRecord> record = [&] {
+        auto scope = documentUnits(stack_.document());
+        return definition_.build(*form_);
+    }();
+    if (!record) {
+        showMessage(QString::fromStdString(record.error()), true);
+        form_->setAcceptEnabled(false);
+        return false;
+    }
+    // The real command runs on the model as it was, never on top of the trial.
+    busy_ = true;
+    session_->withdraw();
+    const CommandResult result = run_ ? run_(*record) : stack_.execute(*record);
+    busy_ = false;
+    if (!form_) return result.ok;
+    if (result.ok) {
+        close();
+        return true;
+    }
+    update();
+    showMessage(QString::fromStdString(result.message), true);
+    return false;
+}
+
+void FormController::refresh() {
+    if (!form_ || busy_) return;
+    // An edit whose feature went (undone, deleted) has nothing left to edit.
+    if (session_->isEditing() && !stack_.document().find(session_->handle()->featureId)) {
+        close();
+        return;
+    }
+    form_->refreshPickTexts();
+    update();
+}
+
+void FormController::update() {
+    if (!form_ || busy_) return;
+    busy_ = true;
+    auto scope = documentUnits(stack_.document());
+    FeatureForm& form = *form_;
+    const QString before = form.message();
+    const bool beforeError = form.messageIsError();
+    form.revalidate();
+    form.showMessage({});
+    if (definition_.changed) definition_.changed(form);
+
+    const bool complete =
+        definition_.complete ? definition_.complete(form) : form.missingPrompt().isEmpty();
+    Result<CommandRecord> record = Error{};
+    if (complete && definition_.build) record = definition_.build(form);
+    form.setAcceptEnabled(complete && record.ok());
+    if (!complete) {
+        // Nothing to show yet: the model stays as it is, the prompt says what's missing.
+        session_->withdraw();
+        if (form.message().isEmpty()) form.showMessage(form.missingPrompt());
+    } else if (!record) {
+        session_->withdraw();
+        form.showMessage(QString::fromStdString(record.error()), true);
+    } else if (session_->isEditing()) {
+        const CommandResult tried = session_->tryEdit(*record);
+        if (!tried.ok) form.setAcceptEnabled(false);
+        const QString problem =
+            tried.ok ? failureNote(tried.message) : QString::fromStdString(tried.message);
+        if (!problem.isEmpty()) form.showMessage(problem, true);
+    } else if (definition_.preview) {
+        Result<FormPreview> preview = definition_.preview(form);
+        session_->showPreview(preview ? *preview : FormPreview{});
+        if (!preview) {
+            // The command would compute the same shape and fail the same way.
+            form.setAcceptEnabled(false);
+            form.showMessage(QString::fromStdString(preview.error()), true);
+        }
+    }
+    busy_ = false;
+    if (form.message() != before || form.messageIsError() != beforeError)
+        emit messageChanged(form.message(), form.messageIsError());
+}
+
+void FormController::close() {
+    if (!form_) return;
+    if (picking_) {
+        picking_ = false;
+        picker_.deactivate();
+    }
+    session_.reset(); // the preview goes, the trial is withdrawn
+    FeatureForm* form = form_;
+    form_ = nullptr;
+    definition_ = {};
+    form->disconnect(this);
+    form->hide();
+    form->deleteLater();
+    emit closed();
+}
+
+void FormController::pickRowChanged(const QString& key) {
+    const PickRule* rule = form_ && !key.isEmpty() ? form_->pickRule(key) : nullptr;
+    if (!rule) {
+        if (picking_) {
+            picking_ = false;
+            picker_.deactivate();
+        }
+        return;
+    }
+    picking_ = true;
+    picker_.activate(rule->kinds, [this](const std::vector<std::string>& references) {
+        if (form_) form_->picked(references);
+    });
+}
+
+void FormController::showMessage(const QString& text, bool error) {
+    if (!form_) return;
+    const bool changed = form_->message() != text || form_->messageIsError() != error;
+    form_->showMessage(text, error);
+    if (changed) emit messageChanged(text, error);
+}
+
+void FormController::placeForm() {
+    if (!form_ || !host_) return;
+    const int width = std::min(kCardWidth, std::max(200, host_->width() - 2 * kMargin));
+    form_->setFixedWidth(width);
+    // The rows scroll before the card would cover most of the view.
+    form_->setMaximumRowsHeight(std::min(host_->height() * 3 / 5, host_->height() - 180));
+    form_->adjustSize();
+    form_->move(anchor_ ? anchor_(form_->size()) : QPoint(kMargin, kMargin));
+}
+
+bool FormController::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == host_ && form_) {
+        switch (event->type()) {
+        case QEvent::Resize:
+            placeForm();
+            break;
+        case QEvent::ShortcutOverride:
+        case QEvent::KeyPress:
+            // Esc in the view cancels the form before the window's own Esc.
+            if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+                event->accept();
+                if (event->type() == QEvent::KeyPress) cancel();
+                return true;
+            }
+            break;
+        default:
+            break;
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace cad::ui

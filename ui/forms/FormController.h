@@ -1,0 +1,108 @@
+// Opens the feature forms over the 3D view, one at a time, and runs their life: each
+// change is checked, built and previewed (or tried live on an edited feature); OK runs
+// the command through the window's command path; Cancel or Esc leaves the model as
+// it was.
+#pragma once
+
+#ifndef Q_MOC_RUN
+#include "core/Command.h"
+#include "core/CommandRecord.h"
+#include "ui/forms/FormDefinition.h"
+#include "ui/forms/FormSession.h"
+#endif
+
+#include <QObject>
+#include <QPoint>
+#include <QPointer>
+#include <QSize>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QWidget;
+
+namespace cad {
+class CommandStack;
+}
+namespace cad::rendering {
+class Viewport;
+}
+
+namespace cad::ui {
+
+class FeatureForm;
+class ReferencePicker;
+
+class FormController : public QObject {
+    Q_OBJECT
+public:
+    // The window's way of running a command (log line, toast on failure).
+    using Runner = std::function<CommandResult(const CommandRecord&)>;
+    // The references selected in the view, which a new form may start from.
+    using SelectionProvider = std::function<std::vector<std::string>()>;
+
+    // The card floats over `host` (the view's widget); `view` may be null (no preview).
+    FormController(QWidget* host, rendering::Viewport* view, ReferencePicker& picker,
+                   CommandStack& stack, Runner run, QObject* parent = nullptr);
+    ~FormController() override;
+
+    void setSelectionProvider(SelectionProvider provider);
+
+    // "Extrude" or "Box"; false for a feature that has no form.
+    bool openFeatureForm(const QString& featureName);
+    // The edit form of an existing feature (extrudes so far); false when there is none.
+    bool openEditForm(const std::string& featureId);
+    // Any form; an open one is cancelled first.
+    void open(FormDefinition definition);
+
+    // Cancel or Esc: the preview goes, a trial edit is withdrawn, the form closes.
+    void cancel();
+    // OK: runs the command; true when it ran and the form closed. A failed command
+    // keeps the form open with its sentence in the message line.
+    bool accept();
+    // After any command event: the form's picks are labelled again and its preview or
+    // trial edit rebuilt against the model as it now is.
+    void refresh();
+    // Puts the card where the anchor says (by default the host's top-left corner), its
+    // rows capped to the host's height.
+    void placeForm();
+    // Where the card goes for its size, in the host's coordinates.
+    void setAnchor(std::function<QPoint(const QSize& card)> anchor) { anchor_ = std::move(anchor); }
+
+    bool isOpen() const { return form_ != nullptr; }
+    FeatureForm* form() const { return form_; }
+    FormSession* session() const { return session_.get(); }
+
+signals:
+    void opened();
+    void closed();
+    void messageChanged(const QString& text, bool error);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    // changed, then complete and build, then the preview or the trial edit.
+    void update();
+    void close();
+    void pickRowChanged(const QString& key);
+    void showMessage(const QString& text, bool error);
+
+    QWidget* host_;
+    rendering::Viewport* view_;
+    ReferencePicker& picker_;
+    CommandStack& stack_;
+    Runner run_;
+    SelectionProvider selection_;
+    std::function<QPoint(const QSize&)> anchor_;
+    FormDefinition definition_;
+    QPointer<FeatureForm> form_;
+    std::unique_ptr<FormSession> session_;
+    bool busy_ = false;    // updating or accepting: command events don't refresh
+    bool picking_ = false; // the picker works for the form
+};
+
+} // namespace cad::ui
