@@ -10,9 +10,17 @@
 #include "ui/MainWindowMcpHost.h"
 #include "ui/McpBridge.h"
 #include "ui/presentation/DocumentPresenter.h"
+#include "ui/forms/FeatureForm.h"
+#include "ui/forms/FormController.h"
+#include "ui/panels/CommandPalette.h"
+#include "ui/panels/HistoryPanel.h"
+#include "ui/panels/ObjectBrowser.h"
 #include "ui/presentation/ReferencePicker.h"
+#include "ui/sketch/SketchSession.h"
+#include "ui/sketch/ViewportSketchView.h"
 #include "ui/widgets/CommandLog.h"
 #include "ui/widgets/Icons.h"
+#include "ui/widgets/OverlayPanel.h"
 #include "ui/widgets/Sidebar.h"
 #include "ui/widgets/WindowTexts.h"
 
@@ -55,10 +63,14 @@ MainWindow::MainWindow(QWidget* parent)
     presenter_->setDocument(&document_);
     picker_ = std::make_unique<ReferencePicker>(*viewport_, *presenter_);
     picker_->setDocument(&document_);
+    sketchSession_ =
+        std::make_unique<SketchSession>(viewport_, std::make_unique<ViewportSketchView>(*viewport_));
 
-    // 2. Actions and the controls around the cube.
+    // 2. Actions and the controls around the cube; the panels the actions show.
     buildActions();
     buildViewCubeControls();
+    buildPanels();
+    connectSketchSession();
 
     // 3. The first fit and the origin wait until the event loop runs (and the view exists).
     QTimer::singleShot(0, this, [this] { viewport_->fitAll(); });
@@ -79,6 +91,7 @@ MainWindow::MainWindow(QWidget* parent)
     row->setSpacing(0);
     buildSidebar();
     row->addWidget(sidebar_);
+    row->addWidget(history_);
     row->addWidget(viewport_, 1);
     column->addLayout(row, 1);
     setCentralWidget(central);
@@ -109,6 +122,11 @@ MainWindow::~MainWindow() {
     // The agents stop before anything they could reach goes away.
     bridge_.reset();
     host_.reset();
+    // The panels observe the document, which goes before the window's child widgets.
+    forms_.reset();
+    sketchSession_.reset();
+    delete browserPanel_;
+    delete history_;
     if (resolvingWindow == this) {
         units::installDefaultResolver({}, {});
         resolvingWindow = nullptr;
@@ -132,7 +150,15 @@ void MainWindow::onCommandEvent(const CommandEvent& event) {
     commandLog_->addEvent(event);
     updateWindowTitle();
     if (event.kind == CommandEvent::Failed) showToast(QString::fromStdString(event.message));
+    if (forms_) forms_->refresh();
     if (event.record.name == "set_units") refreshUnits();
+    // The session shows what any command did to its sketch, or ends with the sketch.
+    if (editingSketch()) {
+        if (document_.find(sketchSession_->sketchId()))
+            sketchSession_->refresh();
+        else
+            sketchSession_->end();
+    }
     const bool hasBodies = !presenter_->shownBodiesBox().IsVoid();
     if (hasBodies && !viewHadBodies_) viewport_->fitAll();
     viewHadBodies_ = hasBodies;
@@ -144,6 +170,7 @@ void MainWindow::updateWindowTitle() {
     setWindowTitle(windowTitleText(documentPath_, modified));
 
     const QString name = documentDisplayName(documentPath_);
+    if (browser_) browser_->setDocumentName(name);
     const int maximum = documentLabel_->maximumWidth();
     const int room = maximum >= QWIDGETSIZE_MAX ? 248 : maximum - 12;
     documentLabel_->setText(documentLabel_->fontMetrics().elidedText(name, Qt::ElideRight, room));
@@ -167,6 +194,13 @@ void MainWindow::updateUndoRedo() {
                                             undo ? QString::fromStdString(undo->name)
                                                  : QStringLiteral("Nothing to undo")));
 
+    // What only works inside a sketch.
+    const bool sketching = editingSketch();
+    for (const auto& [action, tool] : sketchToolActions_) action->setEnabled(sketching);
+    for (const auto& [action, kind] : constraintActions_) action->setEnabled(sketching);
+    for (QAction* action : {actions_.dimension, actions_.construction, actions_.finishSketch})
+        action->setEnabled(sketching);
+
     actions_.redo->setEnabled(stack_.canRedo());
     const CommandRecord* redo = stack_.redoRecord();
     actions_.redo->setToolTip(actionTooltip(QStringLiteral("Redo"), QStringLiteral("Ctrl+Y"),
@@ -179,12 +213,21 @@ void MainWindow::refreshUnits() {
     unitButton_->setText(QString::fromUtf8(unit.data(), static_cast<qsizetype>(unit.size())));
 }
 
+void MainWindow::beforeDocumentReplaced() {
+    // Nothing may still stand on the old document: a form's trial edit is taken back
+    // while its command can still find what it changed.
+    endPlanePick();
+    if (forms_) forms_->cancel();
+    if (editingSketch()) sketchSession_->end();
+}
+
 void MainWindow::afterDocumentReplaced() {
     presenter_->documentReset();
     presenter_->setOriginVisible(actions_.origin->isChecked());
     viewport_->fitAll();
     viewport_->requestRedraw();
     viewHadBodies_ = !presenter_->shownBodiesBox().IsVoid();
+    refreshPanels();
     updateWindowTitle();
     updateUndoRedo();
     refreshUnits();

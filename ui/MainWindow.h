@@ -36,7 +36,13 @@ class Viewport;
 namespace cad::ui {
 
 class CommandLog;
+class CommandPalette;
+struct PanelHooks;
 class DocumentPresenter;
+class FormController;
+class HistoryPanel;
+class ObjectBrowser;
+class SketchSession;
 class McpBridge;
 class MainWindowMcpHost;
 class OverlayPanel;
@@ -57,6 +63,8 @@ public:
     rendering::Viewport& viewport() { return *viewport_; }
     DocumentPresenter& presenter() { return *presenter_; }
     ReferencePicker& picker() { return *picker_; }
+    SketchSession& sketchSession() { return *sketchSession_; }
+    FormController& forms() { return *forms_; }
 
     // Runs one change through the command stack; failures show as a toast.
     CommandResult runCommand(const CommandRecord& record);
@@ -102,6 +110,29 @@ public:
     // Deletes the objects, asking first when objects outside the list use them.
     void deleteObjects(const std::vector<std::string>& ids);
     void clearSelection();
+
+    // ---- Sketching. The Sketch action: on the selected flat face, else a plane pick.
+    void startSketch();
+    // Opens a sketch for editing: the sketch strip, banner and finish button show,
+    // the view faces it and the session becomes the view's tool.
+    void editSketch(const std::string& id);
+    void finishSketch();
+    bool editingSketch() const;
+    // The sketch being edited; empty when none.
+    std::string editedSketch() const;
+    bool pickingPlane() const { return pickingPlane_; }
+    // Esc: the current mode backs out (a pick or tool step, a form, the sketch, the
+    // selection, in that order).
+    void escape();
+
+    // ---- Forms and panels.
+    // The Extrude action: its form on the selected profile, or a pick for one.
+    void startExtrude();
+    void showParameters();
+    void showPalette();
+    // Opens an object for editing the way its kind is edited: a sketch in the sketch
+    // session, a feature in its form.
+    void editObject(const std::string& id);
     // The whole window as a PNG in the data folder's "screenshots"; the file or empty.
     QString captureWindow();
 
@@ -112,6 +143,26 @@ protected:
 private:
     // Construction, in this order (MainWindow.cpp and its companions).
     void buildActions();
+    // A window action with its icon, label, object name and rich tooltip; its
+    // shortcut works wherever the focus is.
+    QAction* makeWindowAction(const QString& iconName, const QString& label,
+                              const QString& objectName, const QString& description = {});
+    void buildSketchActions();
+    ToolStrip* buildSketchStrip(QWidget* parent);
+    void connectSketchSession();
+    void beginPlanePick();
+    void endPlanePick();
+    void createSketchOn(const std::string& reference);
+    void leaveSketchMode();
+    void toggleConstruction(bool checked);
+    void deleteSketchSelection();
+    void showBanner(const QString& text);
+    // The browser, history, palette and forms, and the hooks they change the model through.
+    void buildPanels();
+    PanelHooks panelHooks();
+    void refreshPanels();
+    // The references selected in the view (whole objects, then faces), for forms.
+    std::vector<std::string> selectedReferences() const;
     QMenu* buildMenu();
     void buildViewCubeControls();
     QWidget* buildTopBar();
@@ -124,6 +175,7 @@ private:
     void updateWindowTitle();
     void updateUndoRedo();
     void refreshUnits();
+    void beforeDocumentReplaced();
     void afterDocumentReplaced();
     void layoutOverlays();
     void layoutCubeControls();
@@ -147,6 +199,8 @@ private:
     rendering::Viewport* viewport_ = nullptr;
     std::unique_ptr<DocumentPresenter> presenter_;
     std::unique_ptr<ReferencePicker> picker_;
+    std::unique_ptr<SketchSession> sketchSession_;
+    std::unique_ptr<FormController> forms_;
 
     struct Actions {
         QAction* undo = nullptr;
@@ -173,7 +227,20 @@ private:
         QAction* capture = nullptr;
         QAction* crashReports = nullptr;
         QAction* design = nullptr;
+        QAction* sketch = nullptr;
+        QAction* finishSketch = nullptr;
+        QAction* dimension = nullptr;
+        QAction* construction = nullptr;
+        QAction* extrude = nullptr;
+        QAction* parameters = nullptr;
+        QAction* search = nullptr;
+        QAction* browser = nullptr;
     } actions_;
+    // The sketch tools with the session's tool index, and the constraint tools with
+    // the kind they set.
+    std::vector<std::pair<QAction*, int>> sketchToolActions_;
+    std::vector<std::pair<QAction*, int>> constraintActions_;
+    bool pickingPlane_ = false;
 
     QMenu* recentMenu_ = nullptr;
     QList<QToolButton*> cubeControls_;
@@ -181,10 +248,17 @@ private:
     QToolButton* saveButton_ = nullptr;
     QToolButton* unitButton_ = nullptr;
     ToolStrip* modelingTools_ = nullptr;
+    ToolStrip* sketchTools_ = nullptr;
+    QToolButton* finishSketchButton_ = nullptr;
+    QLabel* modeBanner_ = nullptr;
     Sidebar* sidebar_ = nullptr;
 
     CommandLog* commandLog_ = nullptr;
     OverlayPanel* commandLogPanel_ = nullptr;
+    ObjectBrowser* browser_ = nullptr;
+    OverlayPanel* browserPanel_ = nullptr;
+    HistoryPanel* history_ = nullptr;
+    CommandPalette* palette_ = nullptr;
     QLabel* hud_ = nullptr;
     QLabel* hint_ = nullptr;
     QLabel* toast_ = nullptr;

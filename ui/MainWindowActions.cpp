@@ -3,11 +3,11 @@
 // view cube; and Box, which runs its command straight away.
 #include "ui/MainWindow.h"
 
-#include "core/GeometryObject.h"
 #include "core/Version.h"
 #include "core/units/Length.h"
 #include "rendering/Viewport.h"
 #include "ui/DataPaths.h"
+#include "ui/forms/BoxForm.h"
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/widgets/Icons.h"
 #include "ui/widgets/RecentFiles.h"
@@ -16,8 +16,6 @@
 #include "ui/widgets/ToolStrip.h"
 #include "ui/widgets/WindowTexts.h"
 
-#include <BRepBndLib.hxx>
-#include <Bnd_Box.hxx>
 
 #include <QAction>
 #include <QActionGroup>
@@ -46,17 +44,6 @@ namespace {
 // The documentation site; the tutorials live at a fixed path below it.
 constexpr const char* kDocumentationSite = "https://docs.korvelstudio.com";
 
-QAction* makeAction(QWidget* owner, const QString& iconName, const QString& label,
-                    const QString& objectName, const QString& description = {}) {
-    auto* action = new QAction(label, owner);
-    if (!iconName.isEmpty()) action->setIcon(icon(iconName));
-    action->setObjectName(objectName);
-    action->setToolTip(actionTooltip(label, {}, description));
-    // Added to the window so that its shortcut works wherever the focus is.
-    owner->addAction(action);
-    return action;
-}
-
 void setShortcuts(QAction* action, const QList<QKeySequence>& keys, const QString& shown,
                   const QString& description = {}) {
     action->setShortcuts(keys);
@@ -74,39 +61,51 @@ QString wordmarkText() {
 
 } // namespace
 
+QAction* MainWindow::makeWindowAction(const QString& iconName, const QString& label,
+                                      const QString& objectName, const QString& description) {
+    auto* action = new QAction(label, this);
+    if (!iconName.isEmpty()) action->setIcon(icon(iconName));
+    action->setObjectName(objectName);
+    action->setToolTip(actionTooltip(label, {}, description));
+    // Added to the window so that its shortcut works wherever the focus is.
+    addAction(action);
+    return action;
+}
+
 void MainWindow::buildActions() {
     Actions& a = actions_;
     a.undo =
-        makeAction(this, QStringLiteral("undo"), QStringLiteral("Undo"), QStringLiteral("undo"));
+        makeWindowAction(QStringLiteral("undo"), QStringLiteral("Undo"), QStringLiteral("undo"));
     a.undo->setShortcuts(QKeySequence::Undo);
     connect(a.undo, &QAction::triggered, this, [this] { stack_.undo(); });
 
     a.redo =
-        makeAction(this, QStringLiteral("redo"), QStringLiteral("Redo"), QStringLiteral("redo"));
+        makeWindowAction(QStringLiteral("redo"), QStringLiteral("Redo"), QStringLiteral("redo"));
     QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
     if (!redoKeys.contains(QKeySequence(QStringLiteral("Ctrl+Shift+Z"))))
         redoKeys.append(QKeySequence(QStringLiteral("Ctrl+Shift+Z")));
     a.redo->setShortcuts(redoKeys);
     connect(a.redo, &QAction::triggered, this, [this] { stack_.redo(); });
 
-    a.box = makeAction(this, QStringLiteral("box"), QStringLiteral("Box"), QStringLiteral("box"));
+    a.box = makeWindowAction(QStringLiteral("box"), QStringLiteral("Box"), QStringLiteral("box"));
     connect(a.box, &QAction::triggered, this, &MainWindow::addBox);
 
-    a.remove = makeAction(this, QStringLiteral("trash"), QStringLiteral("Delete"),
+    a.remove = makeWindowAction(QStringLiteral("trash"), QStringLiteral("Delete"),
                           QStringLiteral("delete"));
     setShortcuts(a.remove, QKeySequence::keyBindings(QKeySequence::Delete), QStringLiteral("Del"));
     connect(a.remove, &QAction::triggered, this, &MainWindow::deleteSelection);
 
-    a.fit = makeAction(this, QStringLiteral("fit"), QStringLiteral("Fit"), QStringLiteral("fit"));
+    a.fit = makeWindowAction(QStringLiteral("fit"), QStringLiteral("Fit"), QStringLiteral("fit"));
     setShortcuts(a.fit, {QKeySequence(Qt::Key_F), QKeySequence(Qt::Key_Home)}, QStringLiteral("F"),
                  QStringLiteral("Fit to view"));
     connect(a.fit, &QAction::triggered, this, [this] { viewport_->fitAllAnimated(); });
 
-    a.clearSelection = makeAction(this, QStringLiteral("menu"), QStringLiteral("Clear Selection"),
+    a.clearSelection = makeWindowAction(QStringLiteral("menu"), QStringLiteral("Clear Selection"),
                                   QStringLiteral("clearSelection"));
     setShortcuts(a.clearSelection, {QKeySequence(Qt::Key_Escape)}, QStringLiteral("Esc"));
     a.clearSelection->setIcon(QIcon());
-    connect(a.clearSelection, &QAction::triggered, this, &MainWindow::clearSelection);
+    // Esc backs out of whatever is going on; with nothing going on it clears the selection.
+    connect(a.clearSelection, &QAction::triggered, this, &MainWindow::escape);
 
     // The selection filter: what a plain click in the view picks on a body. Bodies
     // take the whole body, so they exclude the body's faces, edges and vertices.
@@ -119,7 +118,7 @@ void MainWindow::buildActions() {
          presenter_->verticesSelectable()},
     }};
     for (const auto& [slot, label, iconName, on] : filters) {
-        QAction* action = makeAction(this, iconName, label, label.toLower() + "Filter",
+        QAction* action = makeWindowAction(iconName, label, label.toLower() + "Filter",
                                      QStringLiteral("Select %1").arg(label.toLower()));
         action->setCheckable(true);
         action->setChecked(on);
@@ -142,7 +141,7 @@ void MainWindow::buildActions() {
             applyFilter();
         });
 
-    a.origin = makeAction(this, QStringLiteral("origin"), QStringLiteral("Origin"),
+    a.origin = makeWindowAction(QStringLiteral("origin"), QStringLiteral("Origin"),
                           QStringLiteral("showOrigin"));
     a.origin->setCheckable(true);
     a.origin->setChecked(QSettings().value(QStringLiteral("view/origin"), true).toBool());
@@ -152,32 +151,32 @@ void MainWindow::buildActions() {
         QSettings().setValue(QStringLiteral("view/origin"), shown);
     });
 
-    a.commandLog = makeAction(this, QStringLiteral("terminal"), QStringLiteral("Command Log"),
+    a.commandLog = makeWindowAction(QStringLiteral("terminal"), QStringLiteral("Command Log"),
                               QStringLiteral("commandLogToggle"));
     setShortcuts(a.commandLog, {QKeySequence(QStringLiteral("Ctrl+L"))}, QStringLiteral("Ctrl+L"),
                  QStringLiteral("Command log"));
     a.commandLog->setCheckable(true);
 
-    a.newDocument = makeAction(this, {}, QStringLiteral("New"), QStringLiteral("newDocument"));
+    a.newDocument = makeWindowAction({}, QStringLiteral("New"), QStringLiteral("newDocument"));
     a.newDocument->setShortcuts(QKeySequence::New);
     connect(a.newDocument, &QAction::triggered, this, &MainWindow::newFromUser);
 
-    a.open = makeAction(this, {}, QStringLiteral("Open…"), QStringLiteral("openProject"));
+    a.open = makeWindowAction({}, QStringLiteral("Open…"), QStringLiteral("openProject"));
     a.open->setShortcuts(QKeySequence::Open);
     connect(a.open, &QAction::triggered, this, &MainWindow::openFromUser);
 
-    a.save = makeAction(this, {}, QStringLiteral("Save"), QStringLiteral("saveProject"));
+    a.save = makeWindowAction({}, QStringLiteral("Save"), QStringLiteral("saveProject"));
     a.save->setShortcuts(QKeySequence::Save);
     connect(a.save, &QAction::triggered, this, [this] { save(); });
 
-    a.saveAs = makeAction(this, {}, QStringLiteral("Save As…"), QStringLiteral("saveProjectAs"));
+    a.saveAs = makeWindowAction({}, QStringLiteral("Save As…"), QStringLiteral("saveProjectAs"));
     QList<QKeySequence> saveAsKeys = QKeySequence::keyBindings(QKeySequence::SaveAs);
     if (!saveAsKeys.contains(QKeySequence(QStringLiteral("Ctrl+Shift+S"))))
         saveAsKeys.append(QKeySequence(QStringLiteral("Ctrl+Shift+S")));
     a.saveAs->setShortcuts(saveAsKeys);
     connect(a.saveAs, &QAction::triggered, this, [this] { saveAs(); });
 
-    a.homeView = makeAction(this, QStringLiteral("home"), QStringLiteral("Home View"),
+    a.homeView = makeWindowAction(QStringLiteral("home"), QStringLiteral("Home View"),
                             QStringLiteral("homeView"));
     connect(a.homeView, &QAction::triggered, this, [this] { viewport_->goHome(true); });
 
@@ -188,20 +187,20 @@ void MainWindow::buildActions() {
          {&a.right, QStringLiteral("Right"), V3d_Xpos},
          {&a.isometric, QStringLiteral("Isometric"), V3d_XposYnegZpos}}};
     for (const auto& [slot, label, orientation] : views) {
-        QAction* action = makeAction(this, {}, label, label.toLower() + "View");
+        QAction* action = makeWindowAction({}, label, label.toLower() + "View");
         const V3d_TypeOfOrientation turn = orientation;
         connect(action, &QAction::triggered, this,
                 [this, turn] { viewport_->setStandardView(turn, true); });
         *slot = action;
     }
 
-    a.capture = makeAction(this, QStringLiteral("document"), QStringLiteral("Capture Window"),
+    a.capture = makeWindowAction(QStringLiteral("document"), QStringLiteral("Capture Window"),
                            QStringLiteral("captureWindow"));
     setShortcuts(a.capture, {QKeySequence(QStringLiteral("Ctrl+F12"))}, QStringLiteral("Ctrl+F12"));
     connect(a.capture, &QAction::triggered, this, [this] { captureWindow(); });
 
     a.crashReports =
-        makeAction(this, QStringLiteral("folder"), QStringLiteral("Open Crash Reports Folder"),
+        makeWindowAction(QStringLiteral("folder"), QStringLiteral("Open Crash Reports Folder"),
                    QStringLiteral("crashReports"));
     connect(a.crashReports, &QAction::triggered, this, [] {
         const std::filesystem::path folder = crashDirectory();
@@ -210,11 +209,34 @@ void MainWindow::buildActions() {
         QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(folder.string())));
     });
 
-    a.design = makeAction(this, QStringLiteral("box"), QStringLiteral("Design"),
+    a.design = makeWindowAction(QStringLiteral("box"), QStringLiteral("Design"),
                           QStringLiteral("designWorkspaceAction"));
     setShortcuts(a.design, {QKeySequence(QStringLiteral("Ctrl+1"))}, QStringLiteral("Ctrl+1"));
     a.design->setCheckable(true);
     a.design->setChecked(true);
+
+    a.extrude = makeWindowAction(QStringLiteral("extrude"), QStringLiteral("Extrude"),
+                                 QStringLiteral("extrudeAction"));
+    setShortcuts(a.extrude, {QKeySequence(QStringLiteral("E"))}, QStringLiteral("E"));
+    connect(a.extrude, &QAction::triggered, this, &MainWindow::startExtrude);
+
+    a.parameters = makeWindowAction(QStringLiteral("parameters"), QStringLiteral("Parameters"),
+                                    QStringLiteral("parametersAction"));
+    connect(a.parameters, &QAction::triggered, this, &MainWindow::showParameters);
+
+    a.search = makeWindowAction(QStringLiteral("search"), QStringLiteral("Search Commands"),
+                                QStringLiteral("searchCommands"));
+    setShortcuts(a.search, {QKeySequence(QStringLiteral("Ctrl+K"))}, QStringLiteral("Ctrl+K"),
+                 QStringLiteral("Search commands"));
+    connect(a.search, &QAction::triggered, this, &MainWindow::showPalette);
+
+    a.browser = makeWindowAction(QStringLiteral("layers"), QStringLiteral("Browser"),
+                                 QStringLiteral("browserToggle"));
+    setShortcuts(a.browser, {QKeySequence(QStringLiteral("Ctrl+B"))}, QStringLiteral("Ctrl+B"));
+    a.browser->setCheckable(true);
+    a.browser->setChecked(true);
+
+    buildSketchActions();
 }
 
 QMenu* MainWindow::buildMenu() {
@@ -244,6 +266,8 @@ QMenu* MainWindow::buildMenu() {
     edit->addAction(a.clearSelection);
 
     QMenu* create = menu->addMenu(QStringLiteral("Create"));
+    create->addAction(a.sketch);
+    create->addAction(a.extrude);
     create->addAction(a.box);
 
     QMenu* view = menu->addMenu(QStringLiteral("View"));
@@ -253,7 +277,10 @@ QMenu* MainWindow::buildMenu() {
     for (QAction* action : {a.front, a.top, a.right, a.isometric}) view->addAction(action);
     view->addSeparator();
     view->addAction(a.origin);
+    view->addAction(a.browser);
     view->addAction(a.commandLog);
+    view->addSeparator();
+    view->addAction(a.search);
 
     QMenu* help = menu->addMenu(QStringLiteral("Help"));
     help->addAction(a.capture);
@@ -318,12 +345,26 @@ QWidget* MainWindow::buildTopBar() {
     row->addWidget(tabs);
 
     // Only groups with tools that exist; each shows its tools until the user pins others.
+    // Only what exists: a group whose default tools are all still to come shows the
+    // ones it has.
     modelingTools_ = new ToolStrip(QStringLiteral("modelingTools"), bar);
     modelingTools_->addGroup(new ToolGroup(QStringLiteral("model.create"), QStringLiteral("CREATE"),
-                                           {actions_.box}, {QStringLiteral("Box")}));
-    modelingTools_->addGroup(new ToolGroup(QStringLiteral("model.modify"), QStringLiteral("MODIFY"),
-                                           {actions_.remove}, {QStringLiteral("Delete")}));
+                                           {actions_.sketch, actions_.extrude, actions_.box},
+                                           {QStringLiteral("Sketch"), QStringLiteral("Extrude")}));
+    modelingTools_->addGroup(new ToolGroup(
+        QStringLiteral("model.modify"), QStringLiteral("MODIFY"),
+        {actions_.remove, actions_.parameters},
+        {QStringLiteral("Delete"), QStringLiteral("Parameters")}));
     row->addWidget(modelingTools_, 1);
+    sketchTools_ = buildSketchStrip(bar);
+    row->addWidget(sketchTools_, 1);
+
+    finishSketchButton_ = new QToolButton(bar);
+    finishSketchButton_->setObjectName(QStringLiteral("finishSketch"));
+    finishSketchButton_->setDefaultAction(actions_.finishSketch);
+    finishSketchButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    finishSketchButton_->hide();
+    row->addWidget(finishSketchButton_);
 
     unitButton_ = new QToolButton(bar);
     unitButton_->setObjectName(QStringLiteral("unitButton"));
@@ -444,19 +485,8 @@ void MainWindow::layoutCubeControls() {
 void MainWindow::addBox() {
     CommandRecord record("create_box");
     record.set("width", 100.0).set("depth", 50.0).set("height", 25.0);
-    bool placed = false;
-    double x = 0;
-    for (const auto& object : document_.objects()) {
-        const auto* body = dynamic_cast<const GeometryObject*>(object.get());
-        if (!body || body->shape.shape().IsNull()) continue;
-        Bnd_Box box;
-        BRepBndLib::Add(body->shape.shape(), box);
-        if (box.IsVoid()) continue;
-        const double beyond = box.CornerMax().X() + 20.0;
-        x = placed ? std::max(x, beyond) : beyond;
-        placed = true;
-    }
-    if (placed) record.set("x", x).set("y", 0.0).set("z", 0.0);
+    if (const std::optional<double> x = boxPlacementX(document_))
+        record.set("x", *x).set("y", 0.0).set("z", 0.0);
     // The command event fits the view when this is the first body.
     runCommand(record);
 }

@@ -2,6 +2,9 @@
 // dropped project files, closing with unsaved changes and window captures.
 #include "ui/MainWindow.h"
 
+#include "ui/forms/FeatureForm.h"
+#include "ui/forms/FormController.h"
+
 #include "core/ProjectFile.h"
 #include "core/Version.h"
 #include "core/units/Length.h"
@@ -85,6 +88,7 @@ void MainWindow::newDocument() {
         !material.isEmpty())
         fresh.setDefaultMaterial(material.toStdString());
 
+    beforeDocumentReplaced();
     document_.replaceWith(std::move(fresh));
     stack_.clear();
     savedPosition_ = stack_.position();
@@ -105,6 +109,7 @@ Result<void> MainWindow::openProject(const QString& path) {
         return fail(
             QStringLiteral("%1: %2").arg(path, QString::fromStdString(read.error())).toStdString());
 
+    beforeDocumentReplaced();
     document_.replaceWith(std::move(**read));
     stack_.clear();
     savedPosition_ = stack_.position();
@@ -130,10 +135,15 @@ void MainWindow::openFromUser() {
 
 Result<void> MainWindow::saveProject(const QString& path) {
     const QString absolute = QFileInfo(path).absoluteFilePath();
-    if (Result<void> written =
-            writeProject(document_, absolute.toStdString(), generatorName(), mcp::allObjectTypes());
-        !written)
-        return written;
+    // A form's live edit is not part of the document: the file gets what the history
+    // says, and the form shows its edit again afterwards.
+    FormSession* session = forms_ ? forms_->session() : nullptr;
+    const bool hadTrial = session && stack_.hasTrial();
+    if (hadTrial) session->withdraw();
+    const Result<void> written =
+        writeProject(document_, absolute.toStdString(), generatorName(), mcp::allObjectTypes());
+    if (hadTrial) forms_->refresh();
+    if (!written) return written;
     savedPosition_ = stack_.position();
     documentPath_ = absolute;
     addRecentFile(absolute);

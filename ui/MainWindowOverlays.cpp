@@ -3,6 +3,9 @@
 #include "ui/MainWindow.h"
 
 #include "rendering/Viewport.h"
+#include "ui/forms/FeatureForm.h"
+#include "ui/forms/FormController.h"
+#include "ui/panels/ObjectBrowser.h"
 #include "ui/widgets/CommandLog.h"
 #include "ui/widgets/OverlayPanel.h"
 
@@ -49,6 +52,10 @@ void MainWindow::buildOverlays() {
     hint_ = overlayLabel(QStringLiteral("hint"), viewport_);
     hint_->setText(QStringLiteral("Middle-drag pan  ·  Right-drag orbit  ·  Wheel zoom  ·  F fit"));
 
+    modeBanner_ = overlayLabel(QStringLiteral("modeBanner"), viewport_);
+    modeBanner_->setTextFormat(Qt::RichText);
+    modeBanner_->hide();
+
     toast_ = new QLabel(viewport_);
     toast_->setObjectName(QStringLiteral("toast"));
     toast_->setWordWrap(true);
@@ -67,23 +74,52 @@ void MainWindow::layoutOverlays() {
                                         std::max(1.0, viewport_->devicePixelRatioF()));
     const int cubeArea = corner + 30;
 
+    // The navigation hint only shows where it fits whole.
     hint_->adjustSize();
+    hint_->setVisible(hint_->width() <= width - 2 * kMargin);
     hint_->move(std::max(kMargin, width - hint_->width() - kMargin),
                 height - hint_->height() - kMargin);
+
+    // The browser heads the left side of the view; an open form takes the right,
+    // below the cube.
+    int browserBottom = kMargin;
+    if (browserPanel_ && browserPanel_->isVisible()) {
+        const int panelWidth = std::clamp(width / 4, 200, 280);
+        const int room = std::max(80, height / 2 - kMargin);
+        const int panelHeight = browserPanel_->isCollapsed()
+                                    ? browserPanel_->sizeHint().height()
+                                    : std::min(room, std::max(160, browser_->sizeHint().height()));
+        browserPanel_->setGeometry(kMargin, kMargin, panelWidth, panelHeight);
+        browserPanel_->raise();
+        browserBottom = kMargin + panelHeight;
+    }
+    if (forms_ && forms_->isOpen()) {
+        forms_->placeForm();
+        forms_->form()->raise();
+    }
 
     if (commandLogPanel_->isVisible()) {
         const int panelWidth = std::clamp(width / 2, 220, 460);
         const int panelHeight = commandLogPanel_->isCollapsed()
                                     ? commandLogPanel_->sizeHint().height()
                                     : std::clamp(height / 3, 120, 260);
-        commandLogPanel_->setGeometry(kMargin, std::max(kMargin, height - panelHeight - kMargin),
+        commandLogPanel_->setGeometry(kMargin,
+                                      std::max(browserBottom + 8, height - panelHeight - kMargin),
                                       std::min(panelWidth, std::max(120, width - 2 * kMargin)),
                                       std::min(panelHeight, std::max(60, height - 2 * kMargin)));
         commandLogPanel_->raise();
     }
 
+    // The mode banner heads the view; the hud and the toast go below it while it shows.
+    int top = kMargin;
+    if (modeBanner_->isVisible()) {
+        modeBanner_->adjustSize();
+        modeBanner_->move(std::max(kMargin, (width - modeBanner_->width()) / 2), top);
+        modeBanner_->raise();
+        top += modeBanner_->height() + 8;
+    }
     hud_->adjustSize();
-    hud_->move(std::max(kMargin, (width - hud_->width()) / 2), kMargin);
+    hud_->move(std::max(kMargin, (width - hud_->width()) / 2), top);
 
     // The toast is centred at the top, on one line when it fits, never reaching the cube.
     const int room = std::min(560, std::max(160, width - 2 * cubeArea));
@@ -93,7 +129,7 @@ void MainWindow::layoutOverlays() {
     const int natural = toast_->fontMetrics().horizontalAdvance(toast_->text()) + padding;
     const int toastWidth = std::min(natural, room);
     toast_->resize(toastWidth, toast_->heightForWidth(toastWidth));
-    toast_->move(std::max(kMargin, (width - toastWidth) / 2), kMargin);
+    toast_->move(std::max(kMargin, (width - toastWidth) / 2), top);
     toast_->raise();
 
     layoutCubeControls();
@@ -121,7 +157,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
             break;
         case QEvent::KeyPress:
             if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-                clearSelection();
+                escape();
                 return true;
             }
             break;

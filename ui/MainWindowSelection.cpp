@@ -63,6 +63,10 @@ void MainWindow::clearSelection() {
 }
 
 void MainWindow::deleteSelection() {
+    if (editingSketch()) {
+        deleteSketchSelection();
+        return;
+    }
     const Handle(AIS_InteractiveContext)& context = viewport_->context();
     if (context.IsNull()) return;
     std::vector<std::string> objects;

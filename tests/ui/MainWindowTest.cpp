@@ -292,7 +292,11 @@ TEST_F(WindowTest, OverlaysAndCubeControlsStayClearOfTheCube) {
         }
         window->showToast(QStringLiteral("A short note"));
         EXPECT_FALSE(window->toastLabel().geometry().intersects(cube));
-        EXPECT_TRUE(view.rect().contains(hint->geometry()));
+        // The hint shows where it fits whole, and only there.
+        if (size.width() >= 1200) {
+            EXPECT_TRUE(hint->isVisible());
+        }
+        EXPECT_TRUE(!hint->isVisible() || view.rect().contains(hint->geometry()));
     }
 }
 

@@ -15,6 +15,9 @@
 #include <BRepBndLib.hxx>
 #include <Prs3d_Drawer.hxx>
 #include <Prs3d_LineAspect.hxx>
+#include <SelectMgr_Selection.hxx>
+#include <Select3D_SensitiveEntity.hxx>
+#include <StdSelect_BRepOwner.hxx>
 #include <TColStd_ListOfInteger.hxx>
 
 #include <algorithm>
@@ -206,7 +209,9 @@ struct DocumentPresenter::Impl {
 
     void refreshOrigin(const Handle(AIS_InteractiveContext) & ctx) {
         for (const OriginItem& item : origin) {
-            if (!originVisible) {
+            // While a sketch is edited the planes would only cover it; the axes stay.
+            const bool plane = item.name.size() == 2;
+            if (!originVisible || (plane && planesHidden)) {
                 if (ctx->IsDisplayed(item.presentation)) ctx->Erase(item.presentation, false);
             } else if (!ctx->IsDisplayed(item.presentation)) {
                 ctx->Display(item.presentation, item.presentation->DisplayMode(), 0, false);
@@ -231,6 +236,7 @@ struct DocumentPresenter::Impl {
     std::map<const Standard_Transient*, std::string> owners; // part -> object ID
     std::vector<OriginItem> origin;
     bool originVisible = true;
+    bool planesHidden = false;
     bool faces = true, edges = false, vertices = false, bodies = false;
 };
 
@@ -294,21 +300,52 @@ bool DocumentPresenter::verticesSelectable() const { return impl_->vertices; }
 bool DocumentPresenter::bodiesSelectable() const { return impl_->bodies; }
 
 bool DocumentPresenter::selectWholeBody(const std::string& id) {
-    const Handle(AIS_InteractiveContext) ctx = impl_->context();
     auto it = impl_->presentations.find(id);
-    if (!ctx || it == impl_->presentations.end() || it->second.kind != Impl::Kind::Body)
-        return false;
-    const Handle(AIS_InteractiveObject)& body = it->second.parts.front();
-    if (!ctx->IsDisplayed(body)) return false;
-    // The whole-shape owner exists once its mode has been computed; computing it
-    // does not leave the mode active when the filter has it off.
-    if (!body->HasSelection(kWholeMode)) {
-        ctx->Activate(body, kWholeMode);
-        if (!impl_->bodies) ctx->Deactivate(body, kWholeMode);
+    if (it == impl_->presentations.end() || it->second.kind != Impl::Kind::Body) return false;
+    return selectObjects({id}) == 1;
+}
+
+int DocumentPresenter::selectObjects(const std::vector<std::string>& ids) {
+    const Handle(AIS_InteractiveContext) ctx = impl_->context();
+    if (!ctx) return 0;
+    ctx->ClearSelected(false);
+    int selected = 0;
+    for (const std::string& id : ids) {
+        const Handle(AIS_InteractiveObject) whole = presentationOf(id);
+        if (whole.IsNull() || !ctx->IsDisplayed(whole)) continue;
+        // The whole-shape owner exists once its mode has been computed; computing it
+        // does not leave the mode active when plain selection has it off.
+        if (!whole->HasSelection(kWholeMode)) {
+            TColStd_ListOfInteger modes;
+            ctx->ActivatedModes(whole, modes);
+            const bool wasOn = std::find(modes.begin(), modes.end(), kWholeMode) != modes.end();
+            ctx->Activate(whole, kWholeMode);
+            if (!wasOn) ctx->Deactivate(whole, kWholeMode);
+        }
+        const Handle(SelectMgr_Selection)& selection = whole->Selection(kWholeMode);
+        if (selection.IsNull() || selection->IsEmpty()) continue;
+        const Handle(SelectMgr_EntityOwner) owner =
+            selection->Entities().First()->BaseSensitive()->OwnerId();
+        if (owner.IsNull()) continue;
+        ctx->AddOrRemoveSelected(owner, false);
+        ++selected;
     }
-    ctx->SetSelected(body, false);
     impl_->redraw();
-    return true;
+    return selected;
+}
+
+std::vector<std::string> DocumentPresenter::selectedObjects() const {
+    std::vector<std::string> ids;
+    const Handle(AIS_InteractiveContext) ctx = impl_->context();
+    if (!ctx) return ids;
+    for (ctx->InitSelected(); ctx->MoreSelected(); ctx->NextSelected()) {
+        const Handle(SelectMgr_EntityOwner) owner = ctx->SelectedOwner();
+        const auto shapeOwner = Handle(StdSelect_BRepOwner)::DownCast(owner);
+        if (!shapeOwner.IsNull() && shapeOwner->ComesFromDecomposition()) continue;
+        const std::string id = objectOf(owner);
+        if (!id.empty() && std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(id);
+    }
+    return ids;
 }
 
 void DocumentPresenter::setOriginVisible(bool visible) {
@@ -320,6 +357,14 @@ void DocumentPresenter::setOriginVisible(bool visible) {
 }
 
 bool DocumentPresenter::originVisible() const { return impl_->originVisible; }
+
+void DocumentPresenter::setOriginPlanesHidden(bool hidden) {
+    impl_->planesHidden = hidden;
+    if (const Handle(AIS_InteractiveContext) ctx = impl_->context()) {
+        impl_->refreshOrigin(ctx);
+        impl_->redraw();
+    }
+}
 
 Handle(AIS_InteractiveObject) DocumentPresenter::presentationOf(const std::string& id) const {
     auto it = impl_->presentations.find(id);

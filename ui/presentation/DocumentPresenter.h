@@ -56,9 +56,18 @@ public:
     // Makes the shown body the whole selection, highlighted as one, whatever the
     // filter; false when the ID is not a shown body.
     bool selectWholeBody(const std::string& id);
+    // Makes these objects the selection, each as a whole (bodies, sketches), as the
+    // browser selects them; objects without a shown presentation are skipped.
+    // Returns how many were selected.
+    int selectObjects(const std::vector<std::string>& ids);
+    // The objects selected as a whole (not by a face, edge or vertex), in selection order.
+    std::vector<std::string> selectedObjects() const;
     // The origin's three planes and axes.
     void setOriginVisible(bool visible);
     bool originVisible() const;
+    // Keeps the origin's planes out of the way (a sketch is being edited): its axes
+    // and point still show when the origin does.
+    void setOriginPlanesHidden(bool hidden);
 
     // Lookups both ways; empty handle or string when there is none.
     Handle(AIS_InteractiveObject) presentationOf(const std::string& id) const;

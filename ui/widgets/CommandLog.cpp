@@ -13,7 +13,9 @@ namespace {
 
 QString escaped(const std::string& text) { return QString::fromStdString(text).toHtmlEscaped(); }
 
-// "Cascadia Code", else "Consolas", else whatever fixed-pitch font the system offers.
+// "Cascadia Code", else "Consolas", else the system's fixed-pitch font, else any
+// family the system really draws with fixed pitch (the system's choice can be a
+// "mono" family whose spacing fontconfig does not call fixed).
 QFont logFont() {
     const QStringList families = QFontDatabase::families();
     for (const char* wanted : {"Cascadia Code", "Consolas"}) {
@@ -23,7 +25,15 @@ QFont logFont() {
             return font;
         }
     }
-    return QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    const QFont system = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (QFontInfo(system).fixedPitch()) return system;
+    for (const QString& family : families)
+        if (QFontDatabase::isFixedPitch(family) && !QFontDatabase::isPrivateFamily(family)) {
+            QFont font(family, system.pointSize());
+            font.setStyleHint(QFont::Monospace);
+            return font;
+        }
+    return system;
 }
 
 } // namespace

@@ -1,0 +1,155 @@
+// The panels around the view and what they start: the browser (over the view), the
+// history (in the left rail), the parameters dialog, the command palette, and the
+// feature forms with the Extrude action.
+#include "ui/MainWindow.h"
+
+#include "core/GeometryObject.h"
+#include "geometry/ExtrudeFeature.h"
+#include "rendering/Viewport.h"
+#include "sketch/SketchObject.h"
+#include "ui/forms/FeatureForm.h"
+#include "ui/forms/FormController.h"
+#include "ui/panels/CommandPalette.h"
+#include "ui/panels/HistoryPanel.h"
+#include "ui/panels/ObjectBrowser.h"
+#include "ui/panels/PanelHooks.h"
+#include "ui/panels/ParametersDialog.h"
+#include "ui/presentation/DocumentPresenter.h"
+#include "ui/presentation/ReferencePicker.h"
+#include "ui/widgets/OverlayPanel.h"
+#include "ui/widgets/WindowTexts.h"
+
+#include <StdSelect_BRepOwner.hxx>
+
+#include <QAction>
+#include <QFileInfo>
+#include <QMenu>
+
+namespace cad::ui {
+
+PanelHooks MainWindow::panelHooks() {
+    PanelHooks hooks;
+    hooks.run = [this](const CommandRecord& record) { return runCommand(record).ok; };
+    hooks.beginGroup = [this] { stack_.beginGroup(); };
+    hooks.endGroup = [this] { stack_.endGroup(); };
+    hooks.deleteObjects = [this](const std::vector<std::string>& ids) { deleteObjects(ids); };
+    return hooks;
+}
+
+void MainWindow::buildPanels() {
+    browser_ = new ObjectBrowser(document_, panelHooks());
+    browserPanel_ =
+        new OverlayPanel(QStringLiteral("layers"), QStringLiteral("Browser"), browser_, viewport_);
+    browserPanel_->setObjectName(QStringLiteral("browserPanel"));
+    connect(actions_.browser, &QAction::toggled, this, [this](bool shown) {
+        browserPanel_->setVisible(shown);
+        layoutOverlays();
+    });
+    connect(browserPanel_, &OverlayPanel::collapsedChanged, this, [this] { layoutOverlays(); });
+    connect(browser_, &ObjectBrowser::objectsSelected, this, [this](const QStringList& ids) {
+        if (editingSketch()) return;
+        std::vector<std::string> objects;
+        for (const QString& id : ids) objects.push_back(id.toStdString());
+        presenter_->selectObjects(objects);
+        updateUndoRedo();
+    });
+    connect(browser_, &ObjectBrowser::editSketchRequested, this,
+            [this](const QString& id) { editSketch(id.toStdString()); });
+    connect(browser_, &ObjectBrowser::editFeatureRequested, this,
+            [this](const QString& id) { editObject(id.toStdString()); });
+
+    history_ = new HistoryPanel(document_, panelHooks());
+    connect(history_, &HistoryPanel::editSketchRequested, this,
+            [this](const QString& id) { editSketch(id.toStdString()); });
+    connect(history_, &HistoryPanel::editFeatureRequested, this,
+            [this](const QString& id) { editObject(id.toStdString()); });
+
+    palette_ = new CommandPalette(
+        [this] {
+            QList<QAction*> shown;
+            for (QAction* action : actions())
+                if (action->isEnabled() && !action->text().isEmpty() && !action->menu())
+                    shown.append(action);
+            return shown;
+        },
+        this);
+    palette_->hide();
+
+    forms_ = std::make_unique<FormController>(
+        viewport_, viewport_, *picker_, stack_,
+        [this](const CommandRecord& record) { return runCommand(record); });
+    forms_->setSelectionProvider([this] { return selectedReferences(); });
+    // The card takes the right of the view, below the cube and its controls.
+    forms_->setAnchor([this](const QSize& card) {
+        const int corner = static_cast<int>(viewport_->cubeCornerSize() /
+                                            std::max(1.0, viewport_->devicePixelRatioF()));
+        const int x = std::max(12, viewport_->width() - card.width() - 12);
+        const int y = std::min(corner + 40, std::max(12, viewport_->height() - card.height() - 12));
+        return QPoint(x, y);
+    });
+    connect(forms_.get(), &FormController::opened, this, [this] { layoutOverlays(); });
+}
+
+std::vector<std::string> MainWindow::selectedReferences() const {
+    // Whole objects first (a sketch or body picked in the browser), then faces.
+    std::vector<std::string> references = presenter_->selectedObjects();
+    const Handle(AIS_InteractiveContext)& context = viewport_->context();
+    if (context.IsNull()) return references;
+    for (context->InitSelected(); context->MoreSelected(); context->NextSelected()) {
+        const auto owner = Handle(StdSelect_BRepOwner)::DownCast(context->SelectedOwner());
+        if (owner.IsNull() || !owner->ComesFromDecomposition() || !owner->HasShape()) continue;
+        const std::string id = presenter_->objectOf(context->SelectedOwner());
+        const auto* body = dynamic_cast<const GeometryObject*>(document_.find(id));
+        const std::string name = body ? body->shape.nameOf(owner->Shape()) : std::string();
+        if (!name.empty()) references.push_back(id + "/" + name);
+    }
+    return references;
+}
+
+void MainWindow::startExtrude() {
+    // From a sketch being edited, Extrude finishes it and extrudes it.
+    std::string sketch = editedSketch();
+    if (!sketch.empty()) finishSketch();
+    if (!sketch.empty()) presenter_->selectObjects({sketch});
+    endPlanePick();
+    forms_->openFeatureForm(QStringLiteral("Extrude"));
+}
+
+void MainWindow::editObject(const std::string& id) {
+    const DocumentObject* object = document_.find(id);
+    if (!object) return;
+    if (dynamic_cast<const SketchObject*>(object)) {
+        editSketch(id);
+        return;
+    }
+    if (editingSketch()) finishSketch();
+    endPlanePick();
+    if (!forms_->openEditForm(id))
+        showToast(QStringLiteral("%1 has no form to edit it with yet.")
+                      .arg(QString::fromStdString(object->displayName())));
+}
+
+void MainWindow::showParameters() {
+    ParametersDialog dialog(document_, [this](const CommandRecord& record) {
+        return runCommand(record);
+    }, this);
+    dialog.setAsk([this](const QString& question) {
+        return prompt_->askDeleteDependents(this, question);
+    });
+    dialog.exec();
+}
+
+void MainWindow::showPalette() {
+    palette_->open();
+    const QPoint centre = viewport_->mapTo(this, QPoint(viewport_->width() / 2, 0));
+    palette_->move(std::max(0, centre.x() - palette_->width() / 2), centre.y() + 60);
+    palette_->raise();
+}
+
+void MainWindow::refreshPanels() {
+    browser_->setDocumentName(documentDisplayName(documentPath_));
+    browser_->refresh();
+    history_->refresh();
+}
+
+} // namespace cad::ui

@@ -1,0 +1,418 @@
+// Sketching from the window: the Sketch action and its plane pick, the sketch
+// strip with its tools and constraints, entering and finishing a sketch (banner,
+// finish button, camera, grid), and Esc, which backs out of whatever is going on.
+#include "ui/MainWindow.h"
+
+#include "core/GeometryObject.h"
+#include "core/units/Length.h"
+#include "rendering/Viewport.h"
+#include "sketch/SketchObject.h"
+#include "ui/forms/FeatureForm.h"
+#include "ui/forms/FormController.h"
+#include "ui/presentation/DocumentPresenter.h"
+#include "ui/presentation/ReferencePicker.h"
+#include "ui/sketch/SketchSession.h"
+#include "ui/sketch/ViewportSketchView.h"
+#include "ui/widgets/Icons.h"
+#include "ui/widgets/ToolGroup.h"
+#include "ui/widgets/ToolStrip.h"
+#include "ui/widgets/WindowTexts.h"
+
+#include <BRepAdaptor_Surface.hxx>
+#include <StdSelect_BRepOwner.hxx>
+#include <TopoDS.hxx>
+#include <gp_Ax3.hxx>
+
+#include <QAction>
+#include <QActionGroup>
+#include <QLabel>
+#include <QMenu>
+#include <QToolButton>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace cad::ui {
+
+namespace {
+
+QString banner(const QString& title, const QString& middle, const QString& tail) {
+    return QStringLiteral("<span style='color:#d08045;font-weight:700;letter-spacing:1px'>%1</span>"
+                          "&nbsp;&nbsp;%2&nbsp;&nbsp;<span style='color:#a0978c'>·&nbsp; %3</span>")
+        .arg(title, middle, tail);
+}
+
+// The constraint tools in the order the strip shows them, with the kind each sets.
+struct ConstraintTool {
+    const char* label;
+    const char* iconName;
+    int kind;
+};
+constexpr std::array<ConstraintTool, 12> kConstraintTools{{
+    {"Fix", "fix", 0},
+    {"Coincident", "coincident", 1},
+    {"Horizontal", "horizontal", 2},
+    {"Vertical", "vertical", 3},
+    {"Parallel", "parallel", 4},
+    {"Perpendicular", "perpendicular", 5},
+    {"Tangent", "tangent", 10},
+    {"Equal", "equal", 7},
+    {"Concentric", "concentric", 8},
+    {"Midpoint", "midpoint", 9},
+    {"Collinear", "collinear", 6},
+    {"Symmetric", "symmetric", 11},
+}};
+
+// The drawing tools: label, icon, shortcut, tool index.
+struct DrawingTool {
+    const char* label;
+    const char* iconName;
+    const char* shortcut;
+    int tool;
+};
+constexpr std::array<DrawingTool, 11> kDrawingTools{{
+    {"Select", "select", "", SketchSession::Select},
+    {"Line", "line", "L", SketchSession::Line},
+    {"Rectangle", "rectangle", "R", SketchSession::Rectangle},
+    {"Center Rectangle", "rectangle-center", "Shift+R", SketchSession::CenterRectangle},
+    {"Circle", "circle", "C", SketchSession::Circle},
+    {"Arc", "arc", "A", SketchSession::Arc},
+    {"Center Arc", "arc-center", "Shift+A", SketchSession::CenterArc},
+    {"Polygon", "polygon", "G", SketchSession::Polygon},
+    {"Slot", "slot", "Shift+S", SketchSession::Slot},
+    {"Spline", "spline", "S", SketchSession::Spline},
+    {"Point", "point", "P", SketchSession::Point},
+}};
+
+gp_Ax3 axesOf(const SketchObject& sketch) {
+    const PlaneFrame frame = sketch.frame();
+    return gp_Ax3(gp_Pnt(frame.origin[0], frame.origin[1], frame.origin[2]),
+                  gp_Dir(frame.normal[0], frame.normal[1], frame.normal[2]),
+                  gp_Dir(frame.xDirection[0], frame.xDirection[1], frame.xDirection[2]));
+}
+
+} // namespace
+
+void MainWindow::buildSketchActions() {
+    Actions& a = actions_;
+    a.sketch = makeWindowAction(QStringLiteral("sketch"), QStringLiteral("Sketch"),
+                                QStringLiteral("sketchAction"),
+                                QStringLiteral("On the selected flat face, or click a plane or "
+                                               "flat face in the view"));
+    connect(a.sketch, &QAction::triggered, this, &MainWindow::startSketch);
+
+    a.finishSketch = makeWindowAction(QStringLiteral("check"), QStringLiteral("Finish Sketch"),
+                                      QStringLiteral("finishSketchAction"));
+    a.finishSketch->setToolTip(actionTooltip(QStringLiteral("Finish Sketch"), QStringLiteral("Esc")));
+    a.finishSketch->setEnabled(false);
+    connect(a.finishSketch, &QAction::triggered, this, &MainWindow::finishSketch);
+
+    // The tools are one exclusive set: the session says which one is active.
+    auto* tools = new QActionGroup(this);
+    tools->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+    for (const DrawingTool& tool : kDrawingTools) {
+        const QString label = QString::fromLatin1(tool.label);
+        QAction* action = makeWindowAction(QString::fromLatin1(tool.iconName), label,
+                                           QStringLiteral("sketchTool") + QString::number(tool.tool));
+        action->setCheckable(true);
+        action->setEnabled(false);
+        const QString keys = QString::fromLatin1(tool.shortcut);
+        if (!keys.isEmpty()) action->setShortcut(QKeySequence(keys));
+        action->setToolTip(actionTooltip(
+            label, tool.tool == SketchSession::Select ? QStringLiteral("Esc") : keys));
+        tools->addAction(action);
+        const int index = tool.tool;
+        connect(action, &QAction::triggered, this,
+                [this, index] { sketchSession_->setTool(index); });
+        sketchToolActions_.emplace_back(action, index);
+    }
+
+    a.dimension = makeWindowAction(QStringLiteral("dimension"), QStringLiteral("Dimension"),
+                                   QStringLiteral("dimensionTool"));
+    a.dimension->setCheckable(true);
+    a.dimension->setEnabled(false);
+    a.dimension->setShortcut(QKeySequence(QStringLiteral("D")));
+    a.dimension->setToolTip(actionTooltip(QStringLiteral("Dimension"), QStringLiteral("D")));
+    tools->addAction(a.dimension);
+    connect(a.dimension, &QAction::triggered, this,
+            [this] { sketchSession_->setTool(SketchSession::Dimension); });
+    sketchToolActions_.emplace_back(a.dimension, int(SketchSession::Dimension));
+
+    for (const ConstraintTool& tool : kConstraintTools) {
+        const QString label = QString::fromLatin1(tool.label);
+        QAction* action = makeWindowAction(QString::fromLatin1(tool.iconName), label,
+                                           QStringLiteral("constraint") + label);
+        action->setCheckable(true);
+        action->setEnabled(false);
+        tools->addAction(action);
+        const int kind = tool.kind;
+        connect(action, &QAction::triggered, this,
+                [this, kind] { sketchSession_->setTool(SketchSession::Constraint, kind); });
+        constraintActions_.emplace_back(action, kind);
+    }
+
+    a.construction = makeWindowAction(QStringLiteral("construction"), QStringLiteral("Construction"),
+                                      QStringLiteral("constructionAction"));
+    a.construction->setCheckable(true);
+    a.construction->setEnabled(false);
+    a.construction->setShortcut(QKeySequence(QStringLiteral("X")));
+    a.construction->setToolTip(actionTooltip(QStringLiteral("Construction"), QStringLiteral("X")));
+    connect(a.construction, &QAction::triggered, this, &MainWindow::toggleConstruction);
+}
+
+ToolStrip* MainWindow::buildSketchStrip(QWidget* parent) {
+    Actions& a = actions_;
+    auto tool = [this](int index) -> QAction* {
+        for (const auto& [action, i] : sketchToolActions_)
+            if (i == index) return action;
+        return nullptr;
+    };
+    // Rectangle and Center Rectangle share a button, as do Arc and Center Arc; the
+    // variant last used becomes its face.
+    const auto shared = [this](const QString& label, QAction* first, QAction* second) {
+        auto* holder = new QAction(first->icon(), label, this);
+        holder->setObjectName(label.toLower() + QStringLiteral("Variants"));
+        auto* menu = new QMenu(this);
+        menu->addAction(first);
+        menu->addAction(second);
+        holder->setMenu(menu);
+        return holder;
+    };
+    QAction* rectangles = shared(QStringLiteral("Rectangle"), tool(SketchSession::Rectangle),
+                                 tool(SketchSession::CenterRectangle));
+    QAction* arcs = shared(QStringLiteral("Arc"), tool(SketchSession::Arc),
+                           tool(SketchSession::CenterArc));
+
+    auto* strip = new ToolStrip(QStringLiteral("sketchTools"), parent);
+    strip->addGroup(new ToolGroup(
+        QStringLiteral("sketch.create"), QStringLiteral("CREATE"),
+        {tool(SketchSession::Select), tool(SketchSession::Line), rectangles,
+         tool(SketchSession::Circle), arcs, tool(SketchSession::Polygon), tool(SketchSession::Slot),
+         tool(SketchSession::Spline), tool(SketchSession::Point)},
+        {QStringLiteral("Select"), QStringLiteral("Line"), QStringLiteral("Rectangle"),
+         QStringLiteral("Circle"), QStringLiteral("Arc")}));
+    strip->addGroup(new ToolGroup(QStringLiteral("sketch.modify"), QStringLiteral("MODIFY"),
+                                  {a.construction, a.remove, a.parameters},
+                                  {QStringLiteral("Construction"), QStringLiteral("Delete")}));
+    QList<QAction*> constrain{a.dimension};
+    QStringList pinned{QStringLiteral("Dimension")};
+    for (const auto& [action, kind] : constraintActions_) {
+        constrain.append(action);
+        pinned.append(action->text());
+    }
+    strip->addGroup(
+        new ToolGroup(QStringLiteral("sketch.constrain"), QStringLiteral("CONSTRAIN"), constrain,
+                      pinned));
+    strip->hide();
+    return strip;
+}
+
+void MainWindow::connectSketchSession() {
+    SketchSession& session = *sketchSession_;
+    session.setDocument(&document_);
+    session.setCommandRunner([this](const CommandRecord& record) { return runCommand(record).ok; });
+    session.setGroupHooks([this] { stack_.beginGroup(); }, [this] { stack_.endGroup(); });
+    connect(&session, &SketchSession::toolChanged, this, [this](int tool) {
+        const int kind = sketchSession_->constraintKind();
+        for (const auto& [action, index] : sketchToolActions_) action->setChecked(index == tool);
+        for (const auto& [action, k] : constraintActions_)
+            action->setChecked(tool == SketchSession::Constraint && k == kind);
+    });
+    connect(&session, &SketchSession::constructionModeChanged, this,
+            [this](bool on) { actions_.construction->setChecked(on); });
+    connect(&session, &SketchSession::activeChanged, this, [this](bool active) {
+        if (!active) leaveSketchMode();
+    });
+}
+
+bool MainWindow::editingSketch() const { return sketchSession_ && sketchSession_->isActive(); }
+
+std::string MainWindow::editedSketch() const {
+    return editingSketch() ? sketchSession_->sketchId() : std::string();
+}
+
+void MainWindow::showBanner(const QString& text) {
+    modeBanner_->setText(text);
+    modeBanner_->setVisible(!text.isEmpty());
+    layoutOverlays();
+}
+
+void MainWindow::startSketch() {
+    if (editingSketch()) finishSketch();
+    if (forms_ && forms_->isOpen()) forms_->cancel();
+    // A selected face: the sketch goes on it when it is flat.
+    const Handle(AIS_InteractiveContext)& context = viewport_->context();
+    if (!context.IsNull()) {
+        for (context->InitSelected(); context->MoreSelected(); context->NextSelected()) {
+            const auto owner = Handle(StdSelect_BRepOwner)::DownCast(context->SelectedOwner());
+            if (owner.IsNull() || !owner->HasShape() ||
+                owner->Shape().ShapeType() != TopAbs_FACE)
+                continue;
+            const std::string id = presenter_->objectOf(context->SelectedOwner());
+            const auto* body = dynamic_cast<const GeometryObject*>(document_.find(id));
+            const std::string name = body ? body->shape.nameOf(owner->Shape()) : std::string();
+            if (name.empty()) continue;
+            if (BRepAdaptor_Surface(TopoDS::Face(owner->Shape())).GetType() != GeomAbs_Plane) {
+                showToast(QStringLiteral("Sketches need a flat face. Select a planar face, or clear "
+                                         "the selection to choose a plane."));
+                return;
+            }
+            createSketchOn(id + "/" + name);
+            return;
+        }
+    }
+    beginPlanePick();
+}
+
+void MainWindow::beginPlanePick() {
+    pickingPlane_ = true;
+    showBanner(banner(QStringLiteral("SKETCH"), QStringLiteral("Click a plane or a flat face"),
+                      QStringLiteral("Esc to cancel")));
+    // The origin planes are what most sketches start on: show them while choosing.
+    presenter_->setOriginVisible(true);
+    viewport_->requestRedraw();
+    picker_->activate(PickPlane | PickFace, [this](const std::vector<std::string>& picked) {
+        if (picked.empty()) return;
+        createSketchOn(picked.front());
+    });
+}
+
+void MainWindow::endPlanePick() {
+    if (!pickingPlane_) return;
+    pickingPlane_ = false;
+    if (picker_->isActive()) picker_->deactivate();
+    presenter_->setOriginVisible(actions_.origin->isChecked());
+    viewport_->requestRedraw();
+    showBanner({});
+}
+
+void MainWindow::createSketchOn(const std::string& reference) {
+    const std::size_t before = document_.objects().size();
+    if (!runCommand(CommandRecord("create_sketch").set("on", reference.c_str())).ok)
+        return; // the toast says why; a plane pick goes on
+    endPlanePick();
+    if (document_.objects().size() <= before) return;
+    // The new sketch is the last object the command added.
+    for (auto it = document_.objects().rbegin(); it != document_.objects().rend(); ++it)
+        if (dynamic_cast<const SketchObject*>(it->get())) {
+            editSketch((*it)->id);
+            return;
+        }
+}
+
+void MainWindow::editSketch(const std::string& id) {
+    const auto* sketch = dynamic_cast<const SketchObject*>(document_.find(id));
+    if (!sketch) return;
+    endPlanePick();
+    if (forms_ && forms_->isOpen()) forms_->cancel();
+    if (editingSketch()) sketchSession_->end();
+    clearSelection();
+
+    modelingTools_->hide();
+    sketchTools_->show();
+    finishSketchButton_->show();
+    showBanner(banner(QStringLiteral("SKETCH"), QString::fromStdString(sketch->displayName()),
+                      QStringLiteral("Esc to finish")));
+
+    // Face the sketch, sized to what it holds (or a sensible area when empty).
+    double size = 100.0;
+    for (const SketchEntity& entity : sketch->entities)
+        for (double value : entityParameters(entity)) size = std::max(size, 2.2 * std::abs(value));
+    viewport_->lookAtPlane(axesOf(*sketch), std::min(size, 5000.0));
+    const double step = gridStep(document_.lengthUnit());
+    viewport_->showGrid(axesOf(*sketch), 10 * step, std::max(500.0, 4 * size));
+
+    presenter_->setOriginPlanesHidden(true);
+    sketchSession_->begin(id);
+    viewport_->setTool(sketchSession_.get());
+    updateUndoRedo();
+}
+
+void MainWindow::finishSketch() {
+    if (!editingSketch()) return;
+    sketchSession_->end(); // activeChanged(false) leaves the mode
+}
+
+void MainWindow::leaveSketchMode() {
+    if (viewport_->tool() == sketchSession_.get()) viewport_->setTool(nullptr);
+    viewport_->hideGrid();
+    presenter_->setOriginPlanesHidden(false);
+    sketchTools_->hide();
+    modelingTools_->show();
+    finishSketchButton_->hide();
+    showBanner({});
+    updateUndoRedo();
+}
+
+void MainWindow::toggleConstruction(bool checked) {
+    if (!editingSketch()) return;
+    const std::vector<std::string> selected = sketchSession_->selectedEntities();
+    if (selected.empty()) {
+        // Nothing picked: the switch says whether what is drawn next is construction.
+        sketchSession_->setConstruction(checked);
+        return;
+    }
+    // The selection flips: construction when any of it is normal geometry.
+    const auto* sketch = dynamic_cast<const SketchObject*>(document_.find(editedSketch()));
+    bool anyNormal = false;
+    for (const std::string& id : selected)
+        if (const SketchEntity* entity = sketch ? sketch->findEntity(id) : nullptr)
+            anyNormal = anyNormal || !entity->construction;
+    stack_.beginGroup();
+    for (const std::string& id : selected)
+        if (!runCommand(CommandRecord("set_construction")
+                            .set("sketch", editedSketch().c_str())
+                            .set("entity", id.c_str())
+                            .set("construction", anyNormal))
+                 .ok)
+            break;
+    stack_.endGroup();
+    actions_.construction->setChecked(sketchSession_->construction());
+}
+
+void MainWindow::deleteSketchSelection() {
+    const std::string sketch = editedSketch();
+    const std::vector<std::string> constraints = sketchSession_->selectedConstraints();
+    const std::vector<std::string> entities = sketchSession_->selectedEntities();
+    if (constraints.empty() && entities.empty()) return;
+    stack_.beginGroup();
+    bool ok = true;
+    for (const std::string& id : constraints) {
+        const auto* object = dynamic_cast<const SketchObject*>(document_.find(sketch));
+        if (!object || !object->findConstraint(id)) continue; // went with an entity
+        ok = runCommand(CommandRecord("delete_constraint")
+                            .set("sketch", sketch.c_str())
+                            .set("constraint", id.c_str()))
+                 .ok;
+        if (!ok) break;
+    }
+    for (const std::string& id : entities) {
+        if (!ok) break;
+        ok = runCommand(CommandRecord("delete_sketch_entity")
+                            .set("sketch", sketch.c_str())
+                            .set("entity", id.c_str()))
+                 .ok;
+    }
+    stack_.endGroup();
+}
+
+void MainWindow::escape() {
+    // The current mode backs out: a pick or a tool step, then a form, then the
+    // sketch, then the selection.
+    if (pickingPlane_) {
+        endPlanePick();
+        return;
+    }
+    if (forms_ && forms_->isOpen()) {
+        forms_->cancel();
+        return;
+    }
+    if (editingSketch()) {
+        if (!sketchSession_->cancel()) finishSketch();
+        return;
+    }
+    clearSelection();
+}
+
+} // namespace cad::ui
