@@ -181,7 +181,7 @@ private:
     std::optional<std::vector<std::string>> commitDrawing(const DrawStep& step,
                                                           const std::vector<RecordedSnap>& snaps);
     bool addAutomatic(ConstraintType type, std::vector<SketchRef> refs,
-                      const TypedValue* value = nullptr);
+                      const TypedValue* value = nullptr, std::optional<Point2> label = {});
     CommandRecord entityRecord(const SketchEntity& entity) const;
 
     // Dimension and constraint tools (SketchSessionPicks.cpp).

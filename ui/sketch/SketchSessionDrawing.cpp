@@ -16,6 +16,9 @@ namespace cad::ui {
 
 namespace {
 
+// How far outside its line a typed length's value is drawn.
+constexpr double kLabelOffsetPixels = 22;
+
 constexpr double kSame = 1e-7; // how close a new point must be to a snapped position
 
 double distance(Point2 a, Point2 b) { return std::hypot(a.x - b.x, a.y - b.y); }
@@ -257,15 +260,43 @@ SketchSession::commitDrawing(const DrawStep& step, const std::vector<RecordedSna
             else if (std::abs(dx) <= bound)
                 addAutomatic(ConstraintType::Vertical, {{id, ""}});
         }
-    // Typed sizes stay as dimensions.
-    for (const PlannedDimension& d : step.dimensions)
-        if (std::optional<SketchRef> ref = refOf(d.ref)) addAutomatic(d.type, {*ref}, &d.value);
+    // Typed sizes stay as dimensions, a line's value drawn just outside the shape.
+    Point2 centre{0, 0};
+    int corners = 0;
+    for (const SketchEntity& e : step.entities)
+        if (const auto* line = std::get_if<SketchLine>(&e.geometry)) {
+            centre = {centre.x + line->start.x, centre.y + line->start.y};
+            ++corners;
+        }
+    if (corners > 0) centre = {centre.x / corners, centre.y / corners};
+    for (const PlannedDimension& d : step.dimensions) {
+        const std::optional<SketchRef> ref = refOf(d.ref);
+        if (!ref) continue;
+        std::optional<Point2> label;
+        const SketchObject* current = sketch();
+        const SketchEntity* e = current ? current->findEntity(ref->entity) : nullptr;
+        if (const auto* line = e ? std::get_if<SketchLine>(&e->geometry) : nullptr;
+            line && d.type == ConstraintType::Length) {
+            const Point2 middle{(line->start.x + line->end.x) / 2, (line->start.y + line->end.y) / 2};
+            const double dx = line->end.x - line->start.x, dy = line->end.y - line->start.y;
+            const double length = std::hypot(dx, dy);
+            if (length > 1e-9) {
+                Point2 normal{-dy / length, dx / length};
+                // Away from the shape's middle (a lone line: to its left).
+                if (corners > 1 && (middle.x - centre.x) * normal.x + (middle.y - centre.y) * normal.y < 0)
+                    normal = {-normal.x, -normal.y};
+                const double out = kLabelOffsetPixels * pixelAt(middle);
+                label = Point2{normal.x * out, normal.y * out};
+            }
+        }
+        addAutomatic(d.type, {*ref}, &d.value, label);
+    }
     endGroup();
     return ids;
 }
 
 bool SketchSession::addAutomatic(ConstraintType type, std::vector<SketchRef> refs,
-                                 const TypedValue* value) {
+                                 const TypedValue* value, std::optional<Point2> label) {
     const SketchObject* current = sketch();
     if (!current) return false;
     // Checked first against the sketch as it is: a constraint the solver would refuse
@@ -292,6 +323,7 @@ bool SketchSession::addAutomatic(ConstraintType type, std::vector<SketchRef> ref
         else
             record.set("value", value->value);
     }
+    if (label) record.set("label_x", label->x).set("label_y", label->y);
     return run(record);
 }
 

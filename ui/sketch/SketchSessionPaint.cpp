@@ -6,6 +6,7 @@
 
 #include "sketch/SketchObject.h"
 #include "sketch/SketchSolver.h"
+#include "ui/sketch/InlineFields.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -183,8 +184,14 @@ void SketchSession::paint(QPainter& painter) const {
     // The caption (drawing) or what the cursor is over (other tools), beside the cursor.
     if (hasCursor_ && drag_.kind == Drag::None) {
         const QString& text = isDrawingTool() ? caption_ : hoverText_;
+        // While values are typed the caption heads their card, which stays put.
+        QPointF at = cursorPixel_ + QPointF(16, 16);
+        if (fields_->isVisible()) {
+            const double above = QFontMetricsF(painter.font()).height() + 8 + 4;
+            at = QPointF(fields_->x(), fields_->y() - above);
+        }
         if (!text.isEmpty())
-            drawPanelText(painter, text, cursorPixel_ + QPointF(16, 16),
+            drawPanelText(painter, text, at,
                           construction_ && isDrawingTool() ? kMuted : kBorder, kText);
     }
 }
