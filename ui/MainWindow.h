@@ -206,6 +206,7 @@ private:
         QAction* undo = nullptr;
         QAction* redo = nullptr;
         QAction* box = nullptr;
+        QAction* boxForm = nullptr;
         QAction* remove = nullptr;
         QAction* fit = nullptr;
         QAction* clearSelection = nullptr;

@@ -8,6 +8,8 @@
 #include "rendering/Viewport.h"
 #include "ui/DataPaths.h"
 #include "ui/forms/BoxForm.h"
+#include "ui/forms/FeatureForm.h"
+#include "ui/forms/FormController.h"
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/widgets/Icons.h"
 #include "ui/widgets/RecentFiles.h"
@@ -89,6 +91,15 @@ void MainWindow::buildActions() {
 
     a.box = makeWindowAction(QStringLiteral("box"), QStringLiteral("Box"), QStringLiteral("box"));
     connect(a.box, &QAction::triggered, this, &MainWindow::addBox);
+    // The same box with its sizes and corner to set first, in its form.
+    a.boxForm = makeWindowAction(QStringLiteral("box"), QStringLiteral("Box..."),
+                                 QStringLiteral("boxForm"),
+                                 QStringLiteral("Set the sizes and the corner first"));
+    connect(a.boxForm, &QAction::triggered, this, [this] {
+        if (editingSketch()) finishSketch();
+        endPlanePick();
+        forms_->openFeatureForm(QStringLiteral("Box"));
+    });
 
     a.remove = makeWindowAction(QStringLiteral("trash"), QStringLiteral("Delete"),
                           QStringLiteral("delete"));
@@ -269,6 +280,7 @@ QMenu* MainWindow::buildMenu() {
     create->addAction(a.sketch);
     create->addAction(a.extrude);
     create->addAction(a.box);
+    create->addAction(a.boxForm);
 
     QMenu* view = menu->addMenu(QStringLiteral("View"));
     view->addAction(a.homeView);

@@ -182,6 +182,17 @@ TEST_F(DesignFlowTest, APartIsDrawnDimensionedExtrudedRenamedAndRolledBackByHand
     EXPECT_TRUE(drawn["constraints"].back().contains("label"));
     EXPECT_EQ(drawn["analysis"].value("degrees_of_freedom", -1), 0);
 
+    // An agent draws into the open sketch: the line shows and the session goes on;
+    // the person undoes it from the keyboard.
+    const json added = agent->call("add_line", {{"sketch", "Sketch1"}, {"x1", -30}, {"y1", -30},
+                                                {"x2", -10}, {"y2", -30}});
+    EXPECT_FALSE(added.value("isError", true)) << added.dump();
+    EXPECT_TRUE(window->editingSketch());
+    EXPECT_EQ(sketch()["entities"].size(), 5u);
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(sketch()["entities"].size(), 4u);
+    EXPECT_TRUE(window->editingSketch());
+
     // Finish, then E: the extrude form picks the region clicked in the view and
     // extrudes it by the distance typed.
     clickButton(window->findChild<QToolButton*>(QStringLiteral("finishSketch")));
