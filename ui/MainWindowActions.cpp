@@ -277,8 +277,6 @@ QMenu* MainWindow::buildMenu() {
     edit->addAction(a.clearSelection);
 
     QMenu* create = menu->addMenu(QStringLiteral("Create"));
-    create->addAction(a.sketch);
-    create->addAction(a.extrude);
     create->addAction(a.box);
     create->addAction(a.boxForm);
 
@@ -291,8 +289,6 @@ QMenu* MainWindow::buildMenu() {
     view->addAction(a.origin);
     view->addAction(a.browser);
     view->addAction(a.commandLog);
-    view->addSeparator();
-    view->addAction(a.search);
 
     QMenu* help = menu->addMenu(QStringLiteral("Help"));
     help->addAction(a.capture);

@@ -123,8 +123,10 @@ void MainWindow::buildSketchActions() {
             label, tool.tool == SketchSession::Select ? QStringLiteral("Esc") : keys));
         tools->addAction(action);
         const int index = tool.tool;
-        connect(action, &QAction::triggered, this,
-                [this, index] { sketchSession_->setTool(index); });
+        // A second click on the active tool puts it down, as Esc would.
+        connect(action, &QAction::triggered, this, [this, index](bool checked) {
+            sketchSession_->setTool(checked ? index : int(SketchSession::Select));
+        });
         sketchToolActions_.emplace_back(action, index);
     }
 
@@ -135,8 +137,9 @@ void MainWindow::buildSketchActions() {
     a.dimension->setShortcut(QKeySequence(QStringLiteral("D")));
     a.dimension->setToolTip(actionTooltip(QStringLiteral("Dimension"), QStringLiteral("D")));
     tools->addAction(a.dimension);
-    connect(a.dimension, &QAction::triggered, this,
-            [this] { sketchSession_->setTool(SketchSession::Dimension); });
+    connect(a.dimension, &QAction::triggered, this, [this](bool checked) {
+        sketchSession_->setTool(checked ? int(SketchSession::Dimension) : int(SketchSession::Select));
+    });
     sketchToolActions_.emplace_back(a.dimension, int(SketchSession::Dimension));
 
     for (const ConstraintTool& tool : kConstraintTools) {
@@ -147,8 +150,12 @@ void MainWindow::buildSketchActions() {
         action->setEnabled(false);
         tools->addAction(action);
         const int kind = tool.kind;
-        connect(action, &QAction::triggered, this,
-                [this, kind] { sketchSession_->setTool(SketchSession::Constraint, kind); });
+        connect(action, &QAction::triggered, this, [this, kind](bool checked) {
+            if (checked)
+                sketchSession_->setTool(SketchSession::Constraint, kind);
+            else
+                sketchSession_->setTool(SketchSession::Select);
+        });
         constraintActions_.emplace_back(action, kind);
     }
 
@@ -185,16 +192,17 @@ ToolStrip* MainWindow::buildSketchStrip(QWidget* parent) {
                            tool(SketchSession::CenterArc));
 
     auto* strip = new ToolStrip(QStringLiteral("sketchTools"), parent);
+    // Select has no button: Esc, or a second click on the active tool, returns to it.
     strip->addGroup(new ToolGroup(
         QStringLiteral("sketch.create"), QStringLiteral("CREATE"),
-        {tool(SketchSession::Select), tool(SketchSession::Line), rectangles,
-         tool(SketchSession::Circle), arcs, tool(SketchSession::Polygon), tool(SketchSession::Slot),
-         tool(SketchSession::Spline), tool(SketchSession::Point)},
-        {QStringLiteral("Select"), QStringLiteral("Line"), QStringLiteral("Rectangle"),
-         QStringLiteral("Circle"), QStringLiteral("Arc")}));
+        {tool(SketchSession::Line), rectangles, tool(SketchSession::Circle), arcs,
+         tool(SketchSession::Polygon), tool(SketchSession::Slot), tool(SketchSession::Spline),
+         tool(SketchSession::Point)},
+        {QStringLiteral("Line"), QStringLiteral("Rectangle"), QStringLiteral("Circle"),
+         QStringLiteral("Arc")}));
     strip->addGroup(new ToolGroup(QStringLiteral("sketch.modify"), QStringLiteral("MODIFY"),
-                                  {a.construction, a.remove, a.parameters},
-                                  {QStringLiteral("Construction"), QStringLiteral("Delete")}));
+                                  {a.construction, a.parameters},
+                                  {QStringLiteral("Construction"), QStringLiteral("Parameters")}));
     QList<QAction*> constrain{a.dimension};
     QStringList pinned{QStringLiteral("Dimension")};
     for (const auto& [action, kind] : constraintActions_) {

@@ -11,6 +11,7 @@
 #include "ui/forms/FormController.h"
 #include "ui/panels/HistoryPanel.h"
 #include "ui/panels/ObjectBrowser.h"
+#include "ui/presentation/DocumentPresenter.h"
 #include "ui/sketch/SketchSession.h"
 
 #include <V3d_View.hxx>
@@ -247,6 +248,18 @@ TEST_F(DesignFlowTest, APartIsDrawnDimensionedExtrudedRenamedAndRolledBackByHand
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     QTest::qWait(50);
     EXPECT_FALSE(object("Box1").is_null());
+
+    // A body picked in the browser is selected whole in the view, and Delete takes it.
+    QTest::qWait(50);
+    QTreeWidgetItem* boxRow = browser->itemFor("Box1");
+    ASSERT_NE(boxRow, nullptr);
+    const QRect rowRect = browser->visualItemRect(boxRow);
+    QTest::mouseClick(browser->viewport(), Qt::LeftButton, Qt::NoModifier, rowRect.center());
+    QTest::qWait(30);
+    EXPECT_EQ(window->presenter().selectedObjects(), std::vector<std::string>{"Box1"});
+    window->activateWindow();
+    key(Qt::Key_Delete);
+    EXPECT_TRUE(object("Box1").is_null());
 
     // Every step went through the command log as a call, and undoes.
     const std::size_t steps = window->commandStack().undoCount();
