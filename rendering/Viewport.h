@@ -82,6 +82,9 @@ public:
 
     // Presentations changed: draw again on the next turn of the event loop.
     void requestRedraw();
+    // Forgets a click the view has taken but not yet turned into a selection (it does
+    // that when it next draws): the window has decided what that click selects.
+    void dropPendingClick();
 
 signals:
     // A short confirmation for the window to show ("Home is this view").

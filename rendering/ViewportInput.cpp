@@ -66,6 +66,11 @@ void Viewport::setMsaa(int samples) {
     requestRedraw();
 }
 
+void Viewport::dropPendingClick() {
+    myUI.Selection.Points.Clear();
+    myUI.Selection.ToApplyTool = false;
+}
+
 void Viewport::setTool(ViewportTool* tool) {
     tool_ = tool;
     toolPressOnCube_ = false;

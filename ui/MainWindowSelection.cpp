@@ -43,8 +43,9 @@ std::vector<std::string> usersOutside(const Document& document,
 bool MainWindow::selectBodyAt(QPointF position) {
     const Handle(AIS_InteractiveContext)& context = viewport_->context();
     if (context.IsNull() || !viewport_->isReady()) return false;
-    // A click selects when the view next draws: draw now, so a click still waiting
-    // can't replace the body selected here.
+    // A click selects when the view next draws: the double-click's own clicks must not
+    // replace the body selected here, whenever that draw comes.
+    viewport_->dropPendingClick();
     viewport_->repaint();
     const double ratio = viewport_->devicePixelRatioF();
     context->MoveTo(static_cast<int>(position.x() * ratio), static_cast<int>(position.y() * ratio),

@@ -126,6 +126,7 @@ void MainWindow::buildSketchActions() {
         // A second click on the active tool puts it down, as Esc would.
         connect(action, &QAction::triggered, this, [this, index](bool checked) {
             sketchSession_->setTool(checked ? index : int(SketchSession::Select));
+            viewport_->setFocus(Qt::OtherFocusReason);
         });
         sketchToolActions_.emplace_back(action, index);
     }
@@ -334,6 +335,8 @@ void MainWindow::editSketch(const std::string& id) {
     presenter_->setOriginPlanesHidden(true);
     sketchSession_->begin(id);
     viewport_->setTool(sketchSession_.get());
+    // Typed values and Esc go to the session through the view's keyboard focus.
+    viewport_->setFocus(Qt::OtherFocusReason);
     updateUndoRedo();
 }
 

@@ -98,7 +98,7 @@ protected:
     bool click(QPoint at) {
         return waitUntil([&] {
             QTest::mouseClick(&window->viewport(), Qt::LeftButton, {}, at);
-            return waitUntil([&] { return context()->NbSelected() > 0; }, 300);
+            return waitUntil([&] { return context()->NbSelected() > 0; }, 2000);
         });
     }
     // A double-click as Qt delivers it: click, press, double-click, release.
@@ -109,8 +109,10 @@ protected:
             QTest::mousePress(view, Qt::LeftButton, {}, at);
             QTest::mouseDClick(view, Qt::LeftButton, {}, at);
             QTest::mouseRelease(view, Qt::LeftButton, {}, at);
-            return waitUntil([&] { return !wholeSelection().empty(); }, 300);
-        });
+            // A loaded machine may take a while; clicking again too soon would select
+            // the face again and start over.
+            return waitUntil([&] { return !wholeSelection().empty(); }, 2000);
+        }, 30000);
     }
     // The object selected as a whole, empty when a face, edge or vertex is selected.
     std::string wholeSelection() {

@@ -300,9 +300,21 @@ bool DocumentPresenter::verticesSelectable() const { return impl_->vertices; }
 bool DocumentPresenter::bodiesSelectable() const { return impl_->bodies; }
 
 bool DocumentPresenter::selectWholeBody(const std::string& id) {
+    const Handle(AIS_InteractiveContext) ctx = impl_->context();
     auto it = impl_->presentations.find(id);
-    if (it == impl_->presentations.end() || it->second.kind != Impl::Kind::Body) return false;
-    return selectObjects({id}) == 1;
+    if (!ctx || it == impl_->presentations.end() || it->second.kind != Impl::Kind::Body)
+        return false;
+    const Handle(AIS_InteractiveObject)& body = it->second.parts.front();
+    if (!ctx->IsDisplayed(body)) return false;
+    // The whole-shape owner exists once its mode has been computed; computing it
+    // does not leave the mode active when the filter has it off.
+    if (!body->HasSelection(kWholeMode)) {
+        ctx->Activate(body, kWholeMode);
+        if (!impl_->bodies) ctx->Deactivate(body, kWholeMode);
+    }
+    ctx->SetSelected(body, false);
+    impl_->redraw();
+    return true;
 }
 
 int DocumentPresenter::selectObjects(const std::vector<std::string>& ids) {

@@ -47,6 +47,9 @@ SketchSession::SketchSession(QWidget* overlayParent, std::unique_ptr<SketchView>
 }
 
 SketchSession::~SketchSession() {
+    // The editor tells its filter about its own destruction; by then it is no longer
+    // a LengthEdit, so the session stops listening first.
+    if (editor_) editor_->removeEventFilter(this);
     delete editor_.data();
     delete fields_.data();
     delete overlay_.data();
