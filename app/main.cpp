@@ -51,6 +51,8 @@ int main(int argc, char** argv) {
     auto termination = std::make_unique<cad::app::TerminationSignals>(*window);
 
     if (migrated) cad::app::showRenameNotice(window.get());
+    // A crashed instance's unsaved work is offered before anything else opens.
+    window->offerRecovery();
 
     const QStringList arguments = cad::app::Application::arguments();
     if (arguments.size() >= 2) {

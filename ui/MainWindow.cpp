@@ -8,6 +8,7 @@
 #include "mcp/AllCommands.h"
 #include "rendering/Viewport.h"
 #include "ui/MainWindowMcpHost.h"
+#include "ui/AutosaveStore.h"
 #include "ui/McpBridge.h"
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/forms/FeatureForm.h"
@@ -99,6 +100,9 @@ MainWindow::MainWindow(QWidget* parent)
     // 5. Everything that floats over the view.
     buildOverlays();
 
+    // 6. Autosave: this instance's own recovery folder and the timer.
+    startAutosave();
+
     // 7. Every command event, whoever ran it (the window, an agent, undo).
     stack_.addListener([this](const CommandEvent& event) { onCommandEvent(event); });
     connect(viewport_, &rendering::Viewport::toastRequested, this, &MainWindow::showToast);
@@ -122,6 +126,7 @@ MainWindow::~MainWindow() {
     // The agents stop before anything they could reach goes away.
     bridge_.reset();
     host_.reset();
+    endAutosave();
     // The panels observe the document, which goes before the window's child widgets.
     forms_.reset();
     sketchSession_.reset();
@@ -149,6 +154,7 @@ bool MainWindow::isModified() const { return stack_.position() != savedPosition_
 void MainWindow::onCommandEvent(const CommandEvent& event) {
     commandLog_->addEvent(event);
     updateWindowTitle();
+    updateAutosaveTimer();
     if (event.kind == CommandEvent::Failed) showToast(QString::fromStdString(event.message));
     if (forms_) forms_->refresh();
     if (event.record.name == "set_units") refreshUnits();
@@ -231,6 +237,7 @@ void MainWindow::afterDocumentReplaced() {
     updateWindowTitle();
     updateUndoRedo();
     refreshUnits();
+    updateAutosaveTimer();
 }
 
 } // namespace cad::ui

@@ -27,6 +27,7 @@ class QAction;
 class QFrame;
 class QLabel;
 class QMenu;
+class QTimer;
 class QToolButton;
 
 namespace cad::rendering {
@@ -41,7 +42,9 @@ struct PanelHooks;
 class DocumentPresenter;
 class FormController;
 class HistoryPanel;
+class AutosaveStore;
 class ObjectBrowser;
+struct RecoveryEntry;
 class SketchSession;
 class McpBridge;
 class MainWindowMcpHost;
@@ -84,6 +87,17 @@ public:
     // The recent-projects list, newest first.
     QStringList recentFiles() const;
     void addRecentFile(const QString& path);
+
+    // ---- Autosave and recovery. The start-up sequence offers a crashed instance's
+    // autosave once, after the window shows; true when one was restored.
+    bool offerRecovery();
+    bool restoreAutosave(const RecoveryEntry& entry);
+    // The timer's slot: writes the recovery copy of unsaved work now.
+    void autosaveNow();
+    // Stops after a command, save, open or New; starts at the first unsaved change.
+    void updateAutosaveTimer();
+    AutosaveStore* autosaveStore() const { return autosave_.get(); }
+    void showBackupsFolder();
 
     // ---- Feedback.
     void showToast(const QString& text);
@@ -175,6 +189,9 @@ private:
     void updateWindowTitle();
     void updateUndoRedo();
     void refreshUnits();
+    void startAutosave();
+    void endAutosave();
+    void backupBeforeSave(const QString& path);
     void beforeDocumentReplaced();
     void afterDocumentReplaced();
     void layoutOverlays();
@@ -201,6 +218,9 @@ private:
     std::unique_ptr<ReferencePicker> picker_;
     std::unique_ptr<SketchSession> sketchSession_;
     std::unique_ptr<FormController> forms_;
+    std::unique_ptr<AutosaveStore> autosave_;
+    QTimer* autosaveTimer_ = nullptr;
+    bool autosaveFailureReported_ = false;
 
     struct Actions {
         QAction* undo = nullptr;

@@ -268,6 +268,10 @@ QMenu* MainWindow::buildMenu() {
     file->addSeparator();
     file->addAction(a.save);
     file->addAction(a.saveAs);
+    file->addSeparator();
+    QAction* backups = file->addAction(QStringLiteral("Show Backups Folder"));
+    backups->setObjectName(QStringLiteral("showBackups"));
+    connect(backups, &QAction::triggered, this, &MainWindow::showBackupsFolder);
 
     QMenu* edit = menu->addMenu(QStringLiteral("Edit"));
     edit->addAction(a.undo);

@@ -140,6 +140,8 @@ Result<void> MainWindow::saveProject(const QString& path) {
     FormSession* session = forms_ ? forms_->session() : nullptr;
     const bool hadTrial = session && stack_.hasTrial();
     if (hadTrial) session->withdraw();
+    // The file about to be overwritten goes to the backups first.
+    backupBeforeSave(absolute);
     const Result<void> written =
         writeProject(document_, absolute.toStdString(), generatorName(), mcp::allObjectTypes());
     if (hadTrial) forms_->refresh();
@@ -148,6 +150,7 @@ Result<void> MainWindow::saveProject(const QString& path) {
     documentPath_ = absolute;
     addRecentFile(absolute);
     updateWindowTitle();
+    updateAutosaveTimer();
     return {};
 }
 
@@ -238,6 +241,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    // A clean exit leaves nothing to recover.
+    endAutosave();
     // The agents stop with the window: the socket goes away now.
     bridge_.reset();
     host_.reset();

@@ -29,6 +29,21 @@ public:
         return box.exec() == QMessageBox::Yes;
     }
 
+    RestoreChoice askRestore(QWidget* parent, const QString& text) override {
+        QMessageBox box(QMessageBox::Warning, QStringLiteral("Restore your work?"), text,
+                        QMessageBox::NoButton, parent);
+        QPushButton* restore = box.addButton(QStringLiteral("Restore"), QMessageBox::AcceptRole);
+        QPushButton* discard =
+            box.addButton(QStringLiteral("Discard"), QMessageBox::DestructiveRole);
+        QPushButton* later = box.addButton(QStringLiteral("Decide Later"), QMessageBox::RejectRole);
+        box.setDefaultButton(restore);
+        box.setEscapeButton(later);
+        box.exec();
+        if (box.clickedButton() == restore) return RestoreChoice::Restore;
+        if (box.clickedButton() == discard) return RestoreChoice::Discard;
+        return RestoreChoice::Later;
+    }
+
     void warning(QWidget* parent, const QString& title, const QString& text) override {
         QMessageBox::warning(parent, title, text);
     }

@@ -12,6 +12,7 @@ namespace cad::ui::testing {
 struct PromptLog {
     WindowPrompt::SaveChoice saveChoice = WindowPrompt::SaveChoice::Discard;
     bool deleteAll = false;
+    WindowPrompt::RestoreChoice restoreChoice = WindowPrompt::RestoreChoice::Later;
     QString openAnswer;
     QString saveAnswer;
     // "title|text" of every box shown, in order.
@@ -31,6 +32,10 @@ public:
     bool askDeleteDependents(QWidget*, const QString& text) override {
         log_.asked.append("Delete|" + text);
         return log_.deleteAll;
+    }
+    RestoreChoice askRestore(QWidget*, const QString& text) override {
+        log_.asked.append("Restore your work?|" + text);
+        return log_.restoreChoice;
     }
     void warning(QWidget*, const QString& title, const QString& text) override {
         log_.asked.append(title + "|" + text);
