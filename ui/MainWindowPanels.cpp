@@ -17,7 +17,6 @@
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/presentation/ReferencePicker.h"
 #include "ui/widgets/OverlayPanel.h"
-#include "ui/widgets/WindowTexts.h"
 
 #include <StdSelect_BRepOwner.hxx>
 
@@ -147,7 +146,7 @@ void MainWindow::showPalette() {
 }
 
 void MainWindow::refreshPanels() {
-    browser_->setDocumentName(documentDisplayName(documentPath_));
+    // The document's name follows with the title (updateWindowTitle).
     browser_->refresh();
     history_->refresh();
 }

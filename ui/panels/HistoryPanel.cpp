@@ -3,6 +3,8 @@
 // roll_back, move_step, suppress_feature or rename_object command.
 #include "ui/panels/HistoryPanel.h"
 
+#include "ui/panels/PendingChanges.h"
+
 #include "core/CommandRecord.h"
 #include "core/Document.h"
 #include "ui/panels/HistoryList.h"
@@ -60,7 +62,8 @@ struct HistoryRows {
 };
 
 HistoryPanel::HistoryPanel(Document& document, PanelHooks hooks, QWidget* parent)
-    : QFrame(parent), document_(document), hooks_(std::move(hooks)) {
+    : QFrame(parent), document_(document), hooks_(std::move(hooks)),
+      changes_(new PendingChanges(document, [this] { refresh(); }, this)) {
     setObjectName(QStringLiteral("historyPanel"));
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(6, 8, 6, 8);
@@ -114,15 +117,10 @@ HistoryPanel::HistoryPanel(Document& document, PanelHooks hooks, QWidget* parent
     expanded_ = QSettings().value(kExpandedKey, true).toBool();
     applyExpanded();
 
-    pending_.setSingleShot(true);
-    pending_.setInterval(0);
-    connect(&pending_, &QTimer::timeout, this, &HistoryPanel::refresh);
-    document_.addObserver(this);
     refresh();
 }
 
 HistoryPanel::~HistoryPanel() {
-    document_.removeObserver(this);
     // The marker is kept even while out of the list; the list deletes what it holds.
     if (!marker_->listWidget()) delete marker_;
 }
@@ -156,37 +154,18 @@ void HistoryPanel::applyExpanded() {
 
 // ---------------------------------------------------------------- following the document
 
-void HistoryPanel::objectAdded(DocumentObject& object) {
-    changed_.insert(object.serial);
-    scheduleRefresh();
-}
-
-void HistoryPanel::objectRemoved(DocumentObject& object) {
-    changed_.remove(object.serial);
-    scheduleRefresh();
-}
-
-void HistoryPanel::objectChanged(DocumentObject& object) {
-    changed_.insert(object.serial);
-    scheduleRefresh();
-}
-
-void HistoryPanel::scheduleRefresh() {
-    if (!pending_.isActive()) pending_.start();
-}
-
 QListWidgetItem* HistoryPanel::makeItem(std::uint64_t serial) {
     auto* item = new QListWidgetItem;
     item->setData(kSerialRole, QVariant::fromValue<quint64>(serial));
     item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled |
                    Qt::ItemIsEditable);
     rows_.insert(serial, item);
-    changed_.insert(serial);
+    changes_->add(serial);
     return item;
 }
 
 void HistoryPanel::refresh() {
-    pending_.stop();
+    changes_->settle();
     const QSignalBlocker quiet(list_);
 
     // The steps in document order, the marker before the first rolled-back one.
@@ -225,10 +204,10 @@ void HistoryPanel::refresh() {
                           (feature && feature->suppressed ? kSuppressed : 0) |
                           (feature && !feature->error.empty() ? kFailed : 0);
         QListWidgetItem* item = rows_.value(serial);
-        if (changed_.contains(serial) || item->data(kStateRole).toInt() != state)
+        if (changes_->serials().contains(serial) || item->data(kStateRole).toInt() != state)
             updateRow(item, object, state);
     }
-    changed_.clear();
+    changes_->clear();
 }
 
 void HistoryPanel::updateRow(QListWidgetItem* item, const DocumentObject& object, int state) {

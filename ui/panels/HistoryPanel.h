@@ -4,7 +4,6 @@
 // builds up to it or deletes it. The panel folds to a narrow strip.
 #pragma once
 
-#include "core/DocumentObserver.h"
 #include "ui/panels/PanelHooks.h"
 
 #include <QFrame>
@@ -24,13 +23,16 @@ class QToolButton;
 
 namespace cad {
 class Document;
+class DocumentObject;
 }
 
 namespace cad::ui {
 
+class PendingChanges;
+
 class HistoryList;
 
-class HistoryPanel : public QFrame, public DocumentObserver {
+class HistoryPanel : public QFrame {
     Q_OBJECT
 public:
     static constexpr int kExpandedWidth = 200;
@@ -58,10 +60,6 @@ public:
     // The context menu of a row (null when the row has none); the caller owns it.
     QMenu* contextMenuFor(QListWidgetItem* item, QWidget* parent = nullptr);
 
-    // DocumentObserver: changes are noted and applied together (see refresh).
-    void objectAdded(DocumentObject& object) override;
-    void objectRemoved(DocumentObject& object) override;
-    void objectChanged(DocumentObject& object) override;
 
 signals:
     void expandedChanged(bool expanded);
@@ -71,7 +69,6 @@ signals:
 private:
     friend struct HistoryRows;
 
-    void scheduleRefresh();
     void applyExpanded();
     QListWidgetItem* makeItem(std::uint64_t serial);
     void updateRow(QListWidgetItem* item, const DocumentObject& object, int state);
@@ -89,8 +86,8 @@ private:
     HistoryList* list_;
     QListWidgetItem* marker_;
     QHash<std::uint64_t, QListWidgetItem*> rows_; // by serial; the marker is 0
-    QSet<std::uint64_t> changed_;
-    QTimer pending_;
+    // What the document changed since the last refresh, which runs once they stop.
+    PendingChanges* changes_;
     bool expanded_ = true;
 };
 

@@ -3,6 +3,8 @@
 // (moving as few as it can) and rewrites the rows of the objects that changed.
 #include "ui/panels/ObjectBrowser.h"
 
+#include "ui/panels/PendingChanges.h"
+
 #include "core/CommandRecord.h"
 #include "core/Document.h"
 #include "core/GeometryObject.h"
@@ -63,7 +65,8 @@ struct BrowserRows {
 };
 
 ObjectBrowser::ObjectBrowser(Document& document, PanelHooks hooks, QWidget* parent)
-    : QTreeWidget(parent), document_(document), hooks_(std::move(hooks)) {
+    : QTreeWidget(parent), document_(document), hooks_(std::move(hooks)),
+      changes_(new PendingChanges(document, [this] { refresh(); }, this)) {
     setObjectName(QStringLiteral("browserTree"));
     setColumnCount(2);
     setHeaderHidden(true);
@@ -110,14 +113,10 @@ ObjectBrowser::ObjectBrowser(Document& document, PanelHooks hooks, QWidget* pare
     connect(this, &QTreeWidget::itemCollapsed, this,
             [this](QTreeWidgetItem* item) { expanded_.remove(serialOf(item)); });
 
-    pending_.setSingleShot(true);
-    pending_.setInterval(0);
-    connect(&pending_, &QTimer::timeout, this, &ObjectBrowser::refresh);
-    document_.addObserver(this);
     refresh();
 }
 
-ObjectBrowser::~ObjectBrowser() { document_.removeObserver(this); }
+ObjectBrowser::~ObjectBrowser() = default;
 
 void ObjectBrowser::setDocumentName(const QString& name) {
     root_->setText(0, name.isEmpty() ? QStringLiteral("Untitled") : name);
@@ -139,36 +138,17 @@ DocumentObject* ObjectBrowser::objectOf(const QTreeWidgetItem* item) const {
 
 // ---------------------------------------------------------------- following the document
 
-void ObjectBrowser::objectAdded(DocumentObject& object) {
-    changed_.insert(object.serial);
-    scheduleRefresh();
-}
-
-void ObjectBrowser::objectRemoved(DocumentObject& object) {
-    changed_.remove(object.serial);
-    scheduleRefresh();
-}
-
-void ObjectBrowser::objectChanged(DocumentObject& object) {
-    changed_.insert(object.serial);
-    scheduleRefresh();
-}
-
-void ObjectBrowser::scheduleRefresh() {
-    if (!pending_.isActive()) pending_.start();
-}
-
 QTreeWidgetItem* ObjectBrowser::makeItem(std::uint64_t serial) {
     auto* item = new QTreeWidgetItem;
     item->setData(0, kSerialRole, QVariant::fromValue<quint64>(serial));
     item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsEditable);
     rows_.insert(serial, item);
-    changed_.insert(serial);
+    changes_->add(serial);
     return item;
 }
 
 void ObjectBrowser::refresh() {
-    pending_.stop();
+    changes_->settle();
     const QSignalBlocker quiet(this);
 
     // Where every object belongs: folders in document order, features under their
@@ -233,12 +213,12 @@ void ObjectBrowser::refresh() {
         if (selected.contains(serialOf(item))) item->setSelected(true);
     }
 
-    for (const std::uint64_t serial : std::as_const(changed_)) {
+    for (const std::uint64_t serial : std::as_const(changes_->serials())) {
         QTreeWidgetItem* item = rows_.value(serial);
         const auto object = bySerial.find(serial);
         if (item && object != bySerial.end()) updateRow(item, *object->second);
     }
-    changed_.clear();
+    changes_->clear();
 
     for (QTreeWidgetItem* folder : std::as_const(folders_)) {
         folder->setHidden(folder->childCount() == 0);

@@ -3,7 +3,6 @@
 // follows into the view, and a context menu to edit, rename and delete.
 #pragma once
 
-#include "core/DocumentObserver.h"
 #include "ui/panels/PanelHooks.h"
 
 #include <QHash>
@@ -19,13 +18,16 @@ class QMenu;
 
 namespace cad {
 class Document;
+class DocumentObject;
 }
 
 namespace cad::ui {
 
+class PendingChanges;
+
 class RenameDelegate;
 
-class ObjectBrowser : public QTreeWidget, public DocumentObserver {
+class ObjectBrowser : public QTreeWidget {
     Q_OBJECT
 public:
     static constexpr int kEyeColumn = 1;
@@ -57,10 +59,6 @@ public:
     // The context menu of a row (null when the row has none); the caller owns it.
     QMenu* contextMenuFor(QTreeWidgetItem* item, QWidget* parent = nullptr);
 
-    // DocumentObserver: changes are noted and applied together (see refresh).
-    void objectAdded(DocumentObject& object) override;
-    void objectRemoved(DocumentObject& object) override;
-    void objectChanged(DocumentObject& object) override;
 
 signals:
     // The selected object rows changed (IDs, top to bottom).
@@ -76,7 +74,6 @@ protected:
 private:
     friend struct BrowserRows;
 
-    void scheduleRefresh();
     QTreeWidgetItem* makeItem(std::uint64_t serial);
     void updateRow(QTreeWidgetItem* item, const DocumentObject& object);
     void updateFolderEye(QTreeWidgetItem* folder, bool anyVisible);
@@ -91,9 +88,9 @@ private:
     QTreeWidgetItem* root_;
     QHash<QString, QTreeWidgetItem*> folders_;
     QHash<std::uint64_t, QTreeWidgetItem*> rows_; // by serial
-    QSet<std::uint64_t> changed_;                 // rows whose contents need updating
     QSet<std::uint64_t> expanded_;                // rows the user opened
-    QTimer pending_;
+    // What the document changed since the last refresh, which runs once they stop.
+    PendingChanges* changes_;
 };
 
 } // namespace cad::ui

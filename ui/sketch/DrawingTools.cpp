@@ -179,7 +179,7 @@ void centerArcTool(DrawStep& out, const std::vector<Point2>& picks, Point2 c,
 
 } // namespace
 
-std::vector<FieldSpec> inlineFields(DrawKind kind, int step) {
+std::vector<InlineField> inlineFields(DrawKind kind, int step) {
     switch (kind) {
     case DrawKind::Line:
         if (step == 1) return {{"length", "Length", true}, {"angle", "Angle", false}};

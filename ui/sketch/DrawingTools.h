@@ -29,14 +29,14 @@ enum class DrawKind {
 
 // An inline value field: its key, its label and whether it holds a length (else a
 // plain number: degrees, a count).
-struct FieldSpec {
+struct InlineField {
     std::string key;
     std::string label;
     bool length = true;
 };
 
 // The fields a tool offers while it waits for the click after `step` clicks.
-std::vector<FieldSpec> inlineFields(DrawKind kind, int step);
+std::vector<InlineField> inlineFields(DrawKind kind, int step);
 // Clicks that complete the tool's shape; 0 for the spline, which Enter finishes.
 int clicksNeeded(DrawKind kind);
 // "Line", "Rectangle", ...: the word captions start with.

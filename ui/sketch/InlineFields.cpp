@@ -20,10 +20,10 @@ InlineFields::InlineFields(QWidget* parent) : QFrame(parent) {
     hide();
 }
 
-void InlineFields::setFields(const std::vector<FieldSpec>& fields) {
-    const bool same = fields.size() == specs_.size() &&
-                      std::equal(fields.begin(), fields.end(), specs_.begin(),
-                                 [](const FieldSpec& a, const FieldSpec& b) {
+void InlineFields::setFields(const std::vector<InlineField>& fields) {
+    const bool same = fields.size() == fields_.size() &&
+                      std::equal(fields.begin(), fields.end(), fields_.begin(),
+                                 [](const InlineField& a, const InlineField& b) {
                                      return a.key == b.key && a.length == b.length;
                                  });
     if (!same) {
@@ -33,14 +33,14 @@ void InlineFields::setFields(const std::vector<FieldSpec>& fields) {
             delete item;
         }
         edits_.clear();
-        specs_ = fields;
-        for (const FieldSpec& spec : specs_) {
-            auto* label = new QLabel(QString::fromStdString(spec.label), this);
+        fields_ = fields;
+        for (const InlineField& field : fields_) {
+            auto* label = new QLabel(QString::fromStdString(field.label), this);
             label->setObjectName(QStringLiteral("fieldLabel"));
-            auto* edit = new LengthEdit(this, spec.length ? LengthEdit::Kind::Length
+            auto* edit = new LengthEdit(this, field.length ? LengthEdit::Kind::Length
                                                           : LengthEdit::Kind::Number);
-            edit->setProperty("fieldKey", QString::fromStdString(spec.key));
-            edit->setAccessibleName(QString::fromStdString(spec.label));
+            edit->setProperty("fieldKey", QString::fromStdString(field.key));
+            edit->setAccessibleName(QString::fromStdString(field.label));
             edit->setFixedWidth(86);
             edit->installEventFilter(this);
             connect(edit, &QLineEdit::textChanged, this, &InlineFields::edited);
@@ -83,14 +83,14 @@ bool InlineFields::typedValues(TypedValues& values) const {
             valid = false;
             continue;
         }
-        values[specs_[i].key] = {*value, text.toStdString()};
+        values[fields_[i].key] = {*value, text.toStdString()};
     }
     return valid;
 }
 
 LengthEdit* InlineFields::field(const QString& key) const {
     for (std::size_t i = 0; i < edits_.size(); ++i)
-        if (QString::fromStdString(specs_[i].key) == key) return edits_[i];
+        if (QString::fromStdString(fields_[i].key) == key) return edits_[i];
     return nullptr;
 }
 

@@ -22,8 +22,8 @@ public:
     explicit InlineFields(QWidget* parent);
 
     // Rebuilds the rows when the list differs; every field starts empty. Hidden.
-    void setFields(const std::vector<FieldSpec>& fields);
-    bool hasFields() const { return !specs_.empty(); }
+    void setFields(const std::vector<InlineField>& fields);
+    bool hasFields() const { return !fields_.empty(); }
     // Shows the card and puts `first` into the first field, which takes the focus.
     void startTyping(const QString& first);
     // Empties the fields and hides the card.
@@ -44,7 +44,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    std::vector<FieldSpec> specs_;
+    std::vector<InlineField> fields_;
     std::vector<LengthEdit*> edits_;
 };
 
