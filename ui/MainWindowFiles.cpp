@@ -27,6 +27,7 @@
 #include <QPixmap>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QThread>
 #include <QUrl>
 
 namespace cad::ui {
@@ -36,6 +37,22 @@ namespace {
 const QString kProjectSuffix = QStringLiteral("kv3");
 const QString kFormerProjectSuffix = QStringLiteral("osv");
 const QString kRecentFilesKey = QStringLiteral("recentFiles");
+
+// A test hook for interrupted saves: with KORVEL_SAVE_HOLD_MS set, a save waits that
+// long between writing "<file>.saving" and renaming it over the file, so a test can
+// kill the program in between and check that the old file is intact.
+SaveSteps saveSteps() {
+    SaveSteps steps = SaveSteps::real();
+    bool valid = false;
+    const int hold = qEnvironmentVariableIntValue("KORVEL_SAVE_HOLD_MS", &valid);
+    if (valid && hold > 0)
+        steps.replace = [hold, rename = steps.replace](const std::string& from,
+                                                       const std::string& to) {
+            QThread::msleep(static_cast<unsigned long>(hold));
+            return rename(from, to);
+        };
+    return steps;
+}
 
 std::string generatorName() {
     return std::string("Korvel Studio v") + kApplicationVersion;
@@ -143,7 +160,8 @@ Result<void> MainWindow::saveProject(const QString& path) {
     // The file about to be overwritten goes to the backups first.
     backupBeforeSave(absolute);
     const Result<void> written =
-        writeProject(document_, absolute.toStdString(), generatorName(), mcp::allObjectTypes());
+        writeProject(document_, absolute.toStdString(), generatorName(), mcp::allObjectTypes(),
+                     saveSteps());
     if (hadTrial) forms_->refresh();
     if (!written) return written;
     savedPosition_ = stack_.position();
