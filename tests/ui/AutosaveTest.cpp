@@ -86,6 +86,32 @@ TEST_F(AutosaveTest, ACrashedInstancesCopyIsOfferedAndRestoredAsUnsavedWork) {
     EXPECT_TRUE(window->autosaveStore()->findOrphans().isEmpty());
 }
 
+TEST_F(AutosaveTest, ADamagedCopyIsRefusedWithTheReadersSentenceAndKept) {
+    QString damaged;
+    {
+        ASSERT_TRUE(addBox().ok);
+        AutosaveStore crashed(dataDirectory(), mcp::allObjectTypes());
+        ASSERT_TRUE(crashed.writeAutosave(window->document(), QString()).isEmpty());
+        damaged = crashed.sessionFolder() + QStringLiteral("/autosave.kv3");
+    }
+    window->commandStack().undo();
+    // Cut short, as a disk that filled up would leave it.
+    QFile file(damaged);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.resize(file.size() / 2);
+    file.close();
+
+    prompts.restoreChoice = WindowPrompt::RestoreChoice::Restore;
+    EXPECT_FALSE(window->offerRecovery());
+    ASSERT_EQ(prompts.asked.size(), 2);
+    EXPECT_TRUE(prompts.asked.back().startsWith(QStringLiteral("Restore|")))
+        << prompts.asked.back().toStdString();
+    EXPECT_TRUE(window->document().objects().empty());
+    EXPECT_FALSE(window->isModified());
+    // Offered again next time, until it is discarded.
+    EXPECT_EQ(window->autosaveStore()->findOrphans().size(), 1);
+}
+
 TEST_F(AutosaveTest, SavingOverAFileKeepsTheEarlierVersionInTheBackups) {
     QTemporaryDir folder;
     const QString path = folder.filePath("plate.kv3");
