@@ -61,6 +61,9 @@ int main(int argc, char** argv) {
                                                  QString::fromStdString(opened.error()));
     }
 
+    // Reports kept while offline go out now; the first update check follows later.
+    window->startUpdateChecks();
+
     const int exitCode = termination->windowClosed() ? 0 : cad::app::Application::exec();
     termination.reset();
     window.reset();

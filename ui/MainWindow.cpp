@@ -19,6 +19,8 @@
 #include "ui/presentation/ReferencePicker.h"
 #include "ui/sketch/SketchSession.h"
 #include "ui/sketch/ViewportSketchView.h"
+#include "ui/updates/ReportPanel.h"
+#include "ui/updates/ReportSender.h"
 #include "ui/widgets/CommandLog.h"
 #include "ui/widgets/Icons.h"
 #include "ui/widgets/OverlayPanel.h"
@@ -103,6 +105,9 @@ MainWindow::MainWindow(QWidget* parent)
     // 6. Autosave: this instance's own recovery folder and the timer.
     startAutosave();
 
+    // 6b. The update checker and the report sender.
+    startUpdates();
+
     // 7. Every command event, whoever ran it (the window, an agent, undo).
     stack_.addListener([this](const CommandEvent& event) { onCommandEvent(event); });
     connect(viewport_, &rendering::Viewport::toastRequested, this, &MainWindow::showToast);
@@ -130,6 +135,9 @@ MainWindow::~MainWindow() {
     // The panels observe the document, which goes before the window's child widgets.
     forms_.reset();
     sketchSession_.reset();
+    // The report panel sends through the sender, which goes before the child widgets.
+    delete reportPanel_;
+    reportPanel_ = nullptr;
     delete browserPanel_;
     delete history_;
     if (resolvingWindow == this) {

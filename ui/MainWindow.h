@@ -28,6 +28,7 @@ class QFrame;
 class QLabel;
 class QMenu;
 class QTimer;
+class QPushButton;
 class QToolButton;
 
 namespace cad::rendering {
@@ -49,9 +50,13 @@ class SketchSession;
 class McpBridge;
 class MainWindowMcpHost;
 class OverlayPanel;
+class ReportPanel;
+class ReportSender;
 class ReferencePicker;
 class Sidebar;
 class ToolStrip;
+class UpdateChecker;
+class UpdatePanel;
 
 class MainWindow : public QMainWindow {
     Q_OBJECT
@@ -98,6 +103,20 @@ public:
     void updateAutosaveTimer();
     AutosaveStore* autosaveStore() const { return autosave_.get(); }
     void showBackupsFolder();
+
+    // ---- Update checks and issue reports. The start-up sequence sends the reports
+    // kept while offline and, when automatic checks are on, schedules the first check.
+    void startUpdateChecks();
+    UpdateChecker* updateChecker() const { return updates_; }
+    ReportSender* reportSender() const { return reports_.get(); }
+    bool autoUpdates() const;
+    void setAutoUpdates(bool on);
+    // The "Software Update" panel; checkNow starts a check unless one is under way
+    // or a newer release is already known.
+    void showUpdates(bool checkNow);
+    void showReportPanel();
+    // The report panel, made on first use; it keeps its fields until sent or cancelled.
+    ReportPanel& reportPanel();
 
     // ---- Feedback.
     void showToast(const QString& text);
@@ -191,6 +210,8 @@ private:
     void refreshUnits();
     void startAutosave();
     void endAutosave();
+    void startUpdates();
+    void refreshUpdateButton();
     void backupBeforeSave(const QString& path);
     void beforeDocumentReplaced();
     void afterDocumentReplaced();
@@ -221,6 +242,13 @@ private:
     std::unique_ptr<AutosaveStore> autosave_;
     QTimer* autosaveTimer_ = nullptr;
     bool autosaveFailureReported_ = false;
+    UpdateChecker* updates_ = nullptr;
+    std::unique_ptr<ReportSender> reports_;
+    UpdatePanel* updatePanel_ = nullptr;
+    ReportPanel* reportPanel_ = nullptr;
+    QPushButton* updateButton_ = nullptr;
+    // The installer has started: the window closes without asking again.
+    bool closingForUpdate_ = false;
 
     struct Actions {
         QAction* undo = nullptr;
@@ -247,6 +275,10 @@ private:
         QAction* isometric = nullptr;
         QAction* capture = nullptr;
         QAction* crashReports = nullptr;
+        QAction* checkUpdates = nullptr;
+        QAction* autoUpdates = nullptr;
+        QAction* releaseNotes = nullptr;
+        QAction* reportIssue = nullptr;
         QAction* design = nullptr;
         QAction* sketch = nullptr;
         QAction* finishSketch = nullptr;

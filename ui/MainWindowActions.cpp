@@ -210,6 +210,24 @@ void MainWindow::buildActions() {
     setShortcuts(a.capture, {QKeySequence(QStringLiteral("Ctrl+F12"))}, QStringLiteral("Ctrl+F12"));
     connect(a.capture, &QAction::triggered, this, [this] { captureWindow(); });
 
+    a.checkUpdates = makeWindowAction({}, QStringLiteral("Check for Updates..."),
+                                      QStringLiteral("checkForUpdates"));
+    connect(a.checkUpdates, &QAction::triggered, this, [this] { showUpdates(true); });
+    a.autoUpdates = makeWindowAction({}, QStringLiteral("Check for Updates Automatically"),
+                                     QStringLiteral("autoUpdates"));
+    a.autoUpdates->setCheckable(true);
+    a.autoUpdates->setChecked(autoUpdates());
+    connect(a.autoUpdates, &QAction::toggled, this, [this](bool on) { setAutoUpdates(on); });
+    a.releaseNotes = makeWindowAction({}, QStringLiteral("Release Notes"),
+                                      QStringLiteral("releaseNotes"));
+    connect(a.releaseNotes, &QAction::triggered, this, [] {
+        QDesktopServices::openUrl(
+            QUrl(QString::fromLatin1(kDocumentationSite) + QStringLiteral("/release-notes/")));
+    });
+    a.reportIssue = makeWindowAction(QStringLiteral("bug"), QStringLiteral("Report an Issue..."),
+                                     QStringLiteral("reportIssueAction"));
+    connect(a.reportIssue, &QAction::triggered, this, [this] { showReportPanel(); });
+
     a.crashReports =
         makeWindowAction(QStringLiteral("folder"), QStringLiteral("Open Crash Reports Folder"),
                    QStringLiteral("crashReports"));
@@ -295,6 +313,11 @@ QMenu* MainWindow::buildMenu() {
     view->addAction(a.commandLog);
 
     QMenu* help = menu->addMenu(QStringLiteral("Help"));
+    help->addAction(a.checkUpdates);
+    help->addAction(a.autoUpdates);
+    help->addAction(a.releaseNotes);
+    help->addAction(a.reportIssue);
+    help->addSeparator();
     help->addAction(a.capture);
     help->addAction(a.crashReports);
     return menu;
@@ -425,9 +448,16 @@ void MainWindow::buildSidebar() {
     sidebar_->addLinkButton(
         QStringLiteral("tutorials"), QStringLiteral("tutorial"), QStringLiteral("Tutorials"),
         [site] { QDesktopServices::openUrl(QUrl(site + "/getting-started/install/")); });
-    sidebar_->setVersionButton(
-        QStringLiteral("v") + QString::fromLatin1(kApplicationVersion),
-        [site] { QDesktopServices::openUrl(QUrl(site + "/release-notes/")); });
+    sidebar_->addLinkButton(QStringLiteral("reportIssue"), QStringLiteral("bug"),
+                            QStringLiteral("Report an Issue"), [this] { showReportPanel(); });
+    // Shown once a newer release is known.
+    updateButton_ = sidebar_->addLinkButton(QStringLiteral("updateButton"), QStringLiteral("import"),
+                                            QStringLiteral("Update Available"),
+                                            [this] { showUpdates(false); });
+    updateButton_->setProperty("highlight", true);
+    updateButton_->setVisible(false);
+    sidebar_->setVersionButton(QStringLiteral("v") + QString::fromLatin1(kApplicationVersion),
+                               [this] { showUpdates(true); });
 }
 
 void MainWindow::buildViewCubeControls() {

@@ -255,7 +255,7 @@ bool MainWindow::handleDrop(QEvent* event) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (!maybeSave()) {
+    if (!closingForUpdate_ && !maybeSave()) {
         event->ignore();
         return;
     }

@@ -99,13 +99,36 @@ class Korvel:
             "KORVEL_AUTOSAVE_MS": "300",
         }
         settings.update(env or {})
-        self.log = open(os.path.join(home, name + ".log"), "w")
-        self.process = subprocess.Popen([os.path.join(bin_dir, "korvel")],
-                                        env=dict(os.environ, **settings),
-                                        stdout=self.log, stderr=subprocess.STDOUT)
+        self.environment = dict(os.environ, **settings)
+        self.log_path = os.path.join(home, name + ".log")
+        self.launches = 0
+        self._launch()
+
+    def _launch(self):
+        self.launches += 1
+        self.log = open(self.log_path, "w")
+        self.process = subprocess.Popen([os.path.join(self.bin_dir, "korvel")],
+                                        env=self.environment, stdout=self.log,
+                                        stderr=subprocess.STDOUT)
+
+    def check_running(self):
+        """Raises when the program has ended. A start refused by a busy X server (its
+        listening queue full of the tools' short connections) is tried again."""
+        if self.process.poll() is None:
+            return
+        self.log.close()
+        with open(self.log_path) as log:
+            text = log.read()
+        if "could not connect to display" in text and self.launches < 3:
+            self._launch()
+            return
+        raise Failure("korvel ended (%s): %s" % (self.process.returncode, text[-1000:]))
 
     def wait_ready(self):
-        wait_until("the agent socket of korvel", lambda: os.path.exists(self.pipe))
+        def ready():
+            self.check_running()
+            return os.path.exists(self.pipe)
+        wait_until("the agent socket of korvel", ready)
 
     def agent(self):
         self.wait_ready()
@@ -115,11 +138,13 @@ class Korvel:
         if self.process.poll() is None:
             self.process.send_signal(signal.SIGKILL)
         self.process.wait()
-        self.log.close()
+        if not self.log.closed:
+            self.log.close()
 
     def windows(self, title_pattern):
         """This process's visible windows whose titles match (xdotool's --pid search
         ignores --onlyvisible, so the process is checked window by window)."""
+        self.check_running()
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title_pattern],
                                capture_output=True, text=True).stdout.split()
         return [w for w in found
@@ -131,7 +156,7 @@ class Korvel:
         and waits for it to close. A window that has just been mapped may not take the
         focus or keys yet, so the key is pressed again while the window stays."""
         window = wait_until("a window titled " + title_pattern,
-                            lambda: self.windows(title_pattern))[0]
+                            lambda: self.windows(title_pattern), step=0.2)[0]
         for _ in range(20):
             if subprocess.run(["xdotool", "windowfocus", "--sync", window],
                               stderr=subprocess.DEVNULL).returncode == 0:
