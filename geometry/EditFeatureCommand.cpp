@@ -6,13 +6,27 @@
 #include "core/ArgReader.h"
 #include "core/Document.h"
 #include "core/GeometryObject.h"
+#include "core/HistorySupport.h"
+#include "geometry/AppendFeatureCommand.h"
 #include "geometry/CommandSupport.h"
+#include "geometry/DressUpFeatures.h"
 
 #include <cmath>
 
 namespace cad {
 
-namespace {} // namespace
+namespace {
+
+// The flag a dress-up feature carries: a fillet's or chamfer's tangent chain, a
+// shell's outward direction.
+bool* flagOf(DressUpFeature& feature) {
+    if (auto* fillet = dynamic_cast<FilletFeature*>(&feature)) return &fillet->tangentChain;
+    if (auto* chamfer = dynamic_cast<ChamferFeature*>(&feature)) return &chamfer->tangentChain;
+    if (auto* shell = dynamic_cast<ShellFeature*>(&feature)) return &shell->outward;
+    return nullptr;
+}
+
+} // namespace
 
 std::vector<ArgSpec> EditFeatureCommand::arguments() {
     using T = ArgType;
@@ -111,18 +125,76 @@ void EditFeatureCommand::restore(ExtrudeFeature& f, const ExtrudeValues& v) {
     f.expressions = v.expressions;
 }
 
+EditFeatureCommand::DressUpValues EditFeatureCommand::valuesOf(DressUpFeature& f) {
+    const bool* flag = flagOf(f);
+    return {f.value(), f.expressions, flag && *flag};
+}
+
+void EditFeatureCommand::restore(DressUpFeature& f, const DressUpValues& v) {
+    f.setValue(v.value);
+    f.expressions = v.expressions;
+    if (bool* flag = flagOf(f)) *flag = v.flag;
+}
+
 CommandResult EditFeatureCommand::execute(Document& document) {
-    // Only extrudes can be edited so far; fillets, chamfers and shells join them here.
-    auto* extrude = static_cast<ExtrudeFeature*>(
-        document.findMatching(featureName_, [](const DocumentObject& o) {
-            return dynamic_cast<const ExtrudeFeature*>(&o);
-        }));
-    if (!extrude)
+    DocumentObject* found = document.findMatching(featureName_, [](const DocumentObject& o) {
+        return dynamic_cast<const ExtrudeFeature*>(&o) || dynamic_cast<const DressUpFeature*>(&o);
+    });
+    if (!found)
         return CommandResult::failure("No extrude, fillet or chamfer named '" + featureName_ +
                                       "' exists.");
-    if (tangentChain_)
+    auto* extrude = dynamic_cast<ExtrudeFeature*>(found);
+    if (!extrude && (extent_ || distance2_))
+        return CommandResult::failure("Only an extrude goes one side, two sides or symmetric.");
+    const bool blend = dynamic_cast<FilletFeature*>(found) || dynamic_cast<ChamferFeature*>(found);
+    if (tangentChain_ && !blend)
         return CommandResult::failure("Only fillets and chamfers follow tangent chains.");
-    return editExtrude(document, *extrude);
+    if (extrude) return editExtrude(document, *extrude);
+    return editDressUp(document, static_cast<DressUpFeature&>(*found));
+}
+
+CommandResult EditFeatureCommand::editDressUp(Document& document, DressUpFeature& feature) {
+    // The one value this kind takes, checked to be above zero; anything else is refused.
+    std::optional<double> value;
+    const char* kind = "fillet";
+    if (dynamic_cast<ShellFeature*>(&feature)) {
+        if (distance_ || radius_ || operation_ || thinSide_)
+            return CommandResult::failure("A shell has a thickness and a direction.");
+        value = thickness_;
+        kind = "shell";
+    } else if (dynamic_cast<ChamferFeature*>(&feature)) {
+        if (radius_ || operation_ || thickness_ || direction_ || thinSide_)
+            return CommandResult::failure("A chamfer has a distance, not a radius or operation.");
+        value = distance_;
+        kind = "chamfer";
+    } else {
+        if (distance_ || operation_ || thickness_ || direction_ || thinSide_)
+            return CommandResult::failure("A fillet has a radius, not a distance or operation.");
+        value = radius_;
+    }
+    const std::string key(feature.valueKey());
+    if (value && *value <= 1e-7)
+        return CommandResult::failure(std::string("The ") + kind + " " + key +
+                                      " must be greater than zero.");
+    if (!document.bodyOfFeature(feature.id))
+        return CommandResult::failure(feature.id + " doesn't belong to a body.");
+
+    featureSerial_ = feature.serial;
+    dressUpBefore_ = valuesOf(feature);
+    if (value) {
+        feature.setValue(*value);
+        if (auto e = boundExpression(record_.find(key), document))
+            feature.expressions[key] = *e;
+        else
+            feature.expressions.erase(key);
+    }
+    if (bool* flag = flagOf(feature)) {
+        if (tangentChain_) *flag = *tangentChain_;
+        if (direction_) *flag = *direction_ == "outside";
+    }
+
+    return CommandResult::success(
+        withFailure("Edited " + feature.id + ".", rebuildAfterEdit(document, feature)));
 }
 
 CommandResult EditFeatureCommand::editExtrude(Document& document, ExtrudeFeature& feature) {
@@ -170,31 +242,19 @@ CommandResult EditFeatureCommand::editExtrude(Document& document, ExtrudeFeature
     if (thinSide_) feature.thinSide = *thinSide_;
     if (extent_) feature.extent = *extent_;
 
-    std::string failure;
-    rebuild(document, failure);
-    std::string message = "Edited " + feature.id + ".";
-    if (!failure.empty()) message += " Now failing: " + failure;
-    return CommandResult::success(message);
-}
-
-void EditFeatureCommand::rebuild(Document& document, std::string& failure) {
-    DocumentObject* feature = document.findBySerial(featureSerial_);
-    if (!feature) return;
-    GeometryObject* body = document.bodyOfFeature(feature->id);
-    if (!body) return;
-    // Only this feature and the ones after it need computing again.
-    Result<void> rebuilt = document.rebuildBodyFrom(*body, feature->id);
-    if (!rebuilt) failure = rebuilt.error();
-    document.notifyChanged(*body);
-    document.notifyChanged(*feature);
+    return CommandResult::success(
+        withFailure("Edited " + feature.id + ".", rebuildAfterEdit(document, feature)));
 }
 
 void EditFeatureCommand::undo(Document& document) {
-    auto* feature = dynamic_cast<ExtrudeFeature*>(document.findBySerial(featureSerial_));
-    if (!feature) return;
-    restore(*feature, before_);
-    std::string ignored;
-    rebuild(document, ignored);
+    DocumentObject* object = document.findBySerial(featureSerial_);
+    if (auto* extrude = dynamic_cast<ExtrudeFeature*>(object); extrude && !dressUpBefore_)
+        restore(*extrude, before_);
+    else if (auto* dressUp = dynamic_cast<DressUpFeature*>(object); dressUp && dressUpBefore_)
+        restore(*dressUp, *dressUpBefore_);
+    else
+        return;
+    (void)rebuildAfterEdit(document, *static_cast<FeatureObject*>(object));
 }
 
 } // namespace cad

@@ -14,6 +14,8 @@
 
 namespace cad {
 
+class DressUpFeature;
+
 class EditFeatureCommand : public Command {
 public:
     static std::vector<ArgSpec> arguments();
@@ -34,8 +36,18 @@ private:
     };
     static ExtrudeValues valuesOf(const ExtrudeFeature& feature);
     static void restore(ExtrudeFeature& feature, const ExtrudeValues& values);
+    // The values a fillet, chamfer or shell keeps; the flag is the tangent chain or
+    // the shell's outward direction.
+    struct DressUpValues {
+        double value = 0;
+        std::map<std::string, units::Expression> expressions;
+        bool flag = false;
+    };
+    static DressUpValues valuesOf(DressUpFeature& feature);
+    static void restore(DressUpFeature& feature, const DressUpValues& values);
+
     CommandResult editExtrude(Document& document, ExtrudeFeature& feature);
-    void rebuild(Document& document, std::string& failure);
+    CommandResult editDressUp(Document& document, DressUpFeature& feature);
 
     std::string featureName_;
     std::optional<double> distance_, radius_, thickness_, distance2_;
@@ -44,6 +56,7 @@ private:
 
     std::uint64_t featureSerial_ = 0;
     ExtrudeValues before_;
+    std::optional<DressUpValues> dressUpBefore_; // set when a dress-up feature was edited
 };
 
 } // namespace cad

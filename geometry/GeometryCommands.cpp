@@ -6,6 +6,7 @@
 #include "geometry/EditFeatureCommand.h"
 #include "geometry/ExtrudeCommand.h"
 #include "geometry/FacePlaneResolver.h"
+#include "geometry/FilletCommand.h"
 
 namespace cad {
 
@@ -23,6 +24,28 @@ void registerGeometryCommands(CommandRegistry& registry) {
                  "fillet's radius, a chamfer's distance, a shell's thickness or direction. The "
                  "body rebuilds.",
                  EditFeatureCommand::arguments(), &EditFeatureCommand::create);
+
+    using Kind = FilletCommand::Kind;
+    const auto addDressUp = [&](const char* name, const char* description, Kind kind) {
+        registry.add(
+            name, description, FilletCommand::arguments(kind),
+            [kind](const CommandRecord& record) { return FilletCommand::create(kind, record); });
+    };
+    addDressUp("fillet",
+               "Round edges of a body (added to the end of its history). Edges are the persistent "
+               "names get_body lists, separated by ';', e.g. \"Edge(Extrude1.end, "
+               "Extrude1.side.Line1); Edge(Extrude1.end, Extrude1.side.Line2)\". The fillet "
+               "follows those edges through later edits.",
+               Kind::Fillet);
+    addDressUp("chamfer",
+               "Bevel edges of a body by an equal distance on both faces (added to the end of its "
+               "history). Edges as for fillet: persistent names from get_body, separated by ';'.",
+               Kind::Chamfer);
+    addDressUp("shell",
+               "Hollow a body into walls of one thickness, open where the given faces were (at "
+               "least one), e.g. a box open at the top. Faces are persistent names from get_body, "
+               "separated by ';'.",
+               Kind::Shell);
 }
 
 } // namespace cad

@@ -1,10 +1,11 @@
 // Bodies write their feature list and, when they have one, their base shape as
-// BRep text in "shapes/"; extrudes write their values and the expressions that
+// BRep text in "shapes/"; features write their values and the expressions that
 // drive them. A read base shape is named by direction again, as it was made.
 #include "geometry/GeometryTypes.h"
 
 #include "core/GeometryObject.h"
 #include "core/ObjectTypes.h"
+#include "geometry/DressUpFeatures.h"
 #include "geometry/ExtrudeFeature.h"
 #include "geometry/Naming.h"
 
@@ -15,6 +16,7 @@
 #include <cmath>
 #include <sstream>
 #include <tuple>
+#include <type_traits>
 
 namespace cad {
 
@@ -62,6 +64,28 @@ Result<void> readBody(GeometryObject& body, const json& r, const ArchiveReader& 
     return {};
 }
 
+using Expressions = std::map<std::string, units::Expression>;
+
+void writeExpressions(const Expressions& expressions, ordered_json& r) {
+    if (expressions.empty()) return;
+    ordered_json out = ordered_json::object();
+    for (const auto& [key, expression] : expressions)
+        out[key] = units::expressionToJson(expression);
+    r["expressions"] = out;
+}
+
+Result<void> readExpressions(const json& r, Expressions& out) {
+    auto expressions = r.find("expressions");
+    if (expressions == r.end()) return {};
+    if (!expressions->is_object()) return fail("\"expressions\" must be an object");
+    for (const auto& [key, record] : expressions->items()) {
+        std::optional<units::Expression> expression = units::expressionFromJson(record);
+        if (!expression) return fail("\"expressions\" must hold expression records");
+        out[key] = *expression;
+    }
+    return {};
+}
+
 void writeExtrude(const ExtrudeFeature& f, ordered_json& r) {
     r["sketch"] = f.profile;
     r["distance"] = f.distance;
@@ -70,12 +94,7 @@ void writeExtrude(const ExtrudeFeature& f, ordered_json& r) {
     r["thin_side"] = f.thinSide;
     r["extent"] = f.extent;
     r["distance2"] = f.distance2;
-    if (!f.expressions.empty()) {
-        ordered_json expressions = ordered_json::object();
-        for (const auto& [key, expression] : f.expressions)
-            expressions[key] = units::expressionToJson(expression);
-        r["expressions"] = expressions;
-    }
+    writeExpressions(f.expressions, r);
 }
 
 Result<void> readNumber(const json& r, const char* key, double& out, bool required) {
@@ -124,15 +143,66 @@ Result<void> readExtrude(ExtrudeFeature& f, const json& r) {
     if (Result<void> ok = readWord(r, "extent", f.extent, {"one_side", "two_sides", "symmetric"});
         !ok)
         return ok;
-    if (auto expressions = r.find("expressions"); expressions != r.end()) {
-        if (!expressions->is_object()) return fail("\"expressions\" must be an object");
-        for (const auto& [key, record] : expressions->items()) {
-            std::optional<units::Expression> expression = units::expressionFromJson(record);
-            if (!expression) return fail("\"expressions\" must hold expression records");
-            f.expressions[key] = *expression;
-        }
+    return readExpressions(r, f.expressions);
+}
+
+Result<void> readBool(const json& r, const char* key, bool& out) {
+    auto it = r.find(key);
+    if (it == r.end()) return {};
+    if (!it->is_boolean()) return fail(std::string("\"") + key + "\" must be true or false");
+    out = it->get<bool>();
+    return {};
+}
+
+Result<void> readNames(const json& r, const char* key, std::vector<std::string>& out) {
+    const std::string problem = std::string("\"") + key + "\" must be a list of names";
+    auto it = r.find(key);
+    if (it == r.end() || !it->is_array()) return fail(problem);
+    for (const json& name : *it) {
+        if (!name.is_string()) return fail(problem);
+        out.push_back(name.get<std::string>());
     }
     return {};
+}
+
+// Fillets and chamfers: the edges, the one value and the tangent chain; shells the
+// faces, the thickness and the direction.
+template <typename Feature> void writeDressUp(const Feature& f, ordered_json& r) {
+    if constexpr (std::is_same_v<Feature, ShellFeature>) {
+        r["faces"] = f.faces;
+        r["thickness"] = f.thickness;
+        r["outward"] = f.outward;
+    } else {
+        r["edges"] = f.edges;
+        r[std::string(f.valueKey())] = f.value();
+        r["tangent_chain"] = f.tangentChain;
+    }
+    writeExpressions(f.expressions, r);
+}
+
+template <typename Feature> Result<void> readDressUp(Feature& f, const json& r) {
+    double value = 0;
+    const std::string key(f.valueKey());
+    if (Result<void> ok = readNumber(r, key.c_str(), value, true); !ok) return ok;
+    f.setValue(value);
+    if constexpr (std::is_same_v<Feature, ShellFeature>) {
+        if (Result<void> ok = readNames(r, "faces", f.faces); !ok) return ok;
+        if (Result<void> ok = readBool(r, "outward", f.outward); !ok) return ok;
+    } else {
+        if (Result<void> ok = readNames(r, "edges", f.edges); !ok) return ok;
+        if (Result<void> ok = readBool(r, "tangent_chain", f.tangentChain); !ok) return ok;
+    }
+    return readExpressions(r, f.expressions);
+}
+
+template <typename Feature> ObjectType dressUpType(const char* word, const char* noun) {
+    return {word, noun, [] { return std::make_unique<Feature>(); },
+            [](const DocumentObject& o, ordered_json& r, SideFiles&) {
+                writeDressUp(static_cast<const Feature&>(o), r);
+            },
+            [](DocumentObject& o, const json& r, const ArchiveReader&) {
+                return readDressUp(static_cast<Feature&>(o), r);
+            }};
 }
 
 } // namespace
@@ -152,6 +222,9 @@ void registerGeometryTypes(ObjectTypes& types) {
                [](DocumentObject& o, const json& r, const ArchiveReader&) {
                    return readExtrude(static_cast<ExtrudeFeature&>(o), r);
                }});
+    types.add(dressUpType<FilletFeature>("Fillet", "fillet"));
+    types.add(dressUpType<ChamferFeature>("Chamfer", "chamfer"));
+    types.add(dressUpType<ShellFeature>("Shell", "shell"));
 }
 
 } // namespace cad

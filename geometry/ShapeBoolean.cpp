@@ -99,7 +99,7 @@ void setParallelBooleans(bool parallel) { parallelMode.store(parallel); }
 bool parallelBooleans() { return parallelMode.load(); }
 
 Result<NamedShape> shapeBoolean(const NamedShape& body, const NamedShape& tool, BooleanKind kind,
-                                std::chrono::nanoseconds attemptLimit) {
+                                std::chrono::nanoseconds attemptLimit, MergeFaces merge) {
     if (body.isNull() || tool.isNull()) {
         // Nothing to meet: joining onto nothing is the tool itself.
         if (kind == BooleanKind::Join && !tool.isNull()) {
@@ -126,11 +126,13 @@ Result<NamedShape> shapeBoolean(const NamedShape& body, const NamedShape& tool, 
         // The body was simplified when it was made; only what the boolean touched can merge.
         TopTools_IndexedMapOfShape mapped;
         const TopTools_IndexedMapOfShape* bodyFaces = &body.index().faces;
-        if (bodyFaces->IsEmpty()) {
+        if (merge == MergeFaces::Yes && bodyFaces->IsEmpty()) {
             TopExp::MapShapes(body.shape(), TopAbs_FACE, mapped);
             bodyFaces = &mapped;
         }
-        TopoDS_Shape simplified = unifyChangedWithNames(op.Shape(), entries, *bodyFaces);
+        TopoDS_Shape simplified = merge == MergeFaces::Yes
+                                      ? unifyChangedWithNames(op.Shape(), entries, *bodyFaces)
+                                      : op.Shape();
 
         int solids = 0;
         TopoDS_Shape onlySolid;

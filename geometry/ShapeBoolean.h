@@ -17,10 +17,16 @@ enum class BooleanKind { Join = 0, Cut = 1, Intersect = 2 };
 // The fuzzy value of the second attempt.
 inline constexpr double kRetryFuzzyValue = 1e-5;
 
+// Whether faces the boolean split that lie on one surface are merged again afterwards.
+// Helical threads leave hundreds of strips winding round many turns, which the
+// merge would spend minutes on, outside any time limit: they keep them.
+enum class MergeFaces { Yes, No };
+
 // Joins, cuts or intersects; each attempt may run for attemptLimit (30 s in use;
 // shorter only where a test needs a runaway operation stopped quickly).
 Result<NamedShape> shapeBoolean(const NamedShape& body, const NamedShape& tool, BooleanKind kind,
-                                std::chrono::nanoseconds attemptLimit = kKernelAttemptLimit);
+                                std::chrono::nanoseconds attemptLimit = kKernelAttemptLimit,
+                                MergeFaces merge = MergeFaces::Yes);
 
 // Whether booleans spread their work over several threads (on by default).
 void setParallelBooleans(bool parallel);

@@ -1,4 +1,4 @@
-// Bodies and extrudes in the project file: written with their own keys and the base
+// Bodies and features in the project file: written with their own keys and the base
 // shape as a side file, read back into a document that rebuilds the same solids.
 #include "GeometryTestModel.h"
 
@@ -79,25 +79,33 @@ TEST_F(ProjectTypes, BodiesAndExtrudesSurviveTheProjectFile) {
 TEST_F(ProjectTypes, DamagedRecordsAreNamed) {
     sketchWithRectangles({{0, 0, 1, 1}});
     ok("extrude", {{"sketch", "Sketch1"}, {"distance", 1}});
+    ok("fillet", {{"body", "Body1"},
+                  {"edges", "Edge(Extrude1.end, Extrude1.side.Rectangle1.top)"},
+                  {"radius", 0.1}});
     SideFiles sideFiles;
     nlohmann::ordered_json good = writeDocumentJson(document, sideFiles, types);
     struct Case {
+        const char* object;
         const char* key;
         nlohmann::json value;
         const char* error;
     };
     const Case cases[] = {
-        {"distance", "ten", "extrude Extrude1: \"distance\" must be a number"},
-        {"operation", "merge",
+        {"Extrude1", "distance", "ten", "extrude Extrude1: \"distance\" must be a number"},
+        {"Extrude1", "operation", "merge",
          "extrude Extrude1: \"operation\" must be one of \"new_body\", \"join\", \"cut\""},
-        {"extent", 3,
+        {"Extrude1", "extent", 3,
          "extrude Extrude1: \"extent\" must be one of \"one_side\", \"two_sides\", \"symmetric\""},
-        {"sketch", 1, "extrude Extrude1: \"sketch\" must be text"},
+        {"Extrude1", "sketch", 1, "extrude Extrude1: \"sketch\" must be text"},
+        {"Fillet1", "edges", "Edge(Extrude1.end)",
+         "fillet Fillet1: \"edges\" must be a list of names"},
+        {"Fillet1", "radius", nullptr, "fillet Fillet1: \"radius\" must be a number"},
+        {"Fillet1", "tangent_chain", 1, "fillet Fillet1: \"tangent_chain\" must be true or false"},
     };
     for (const Case& c : cases) {
         nlohmann::ordered_json bad = good;
         for (auto& o : bad["objects"])
-            if (o["name"] == "Extrude1") o[c.key] = c.value;
+            if (o["name"] == c.object) o[c.key] = c.value;
         Document copy;
         EXPECT_EQ(roundTrip(bad, sideFiles, copy).error(), c.error) << c.key;
     }
@@ -109,7 +117,7 @@ TEST_F(ProjectTypes, DamagedRecordsAreNamed) {
               "body Body1: feature names must be strings");
     for (auto& o : badBody["objects"])
         if (o["name"] == "Body1") {
-            o["features"] = nlohmann::json::array({"Extrude1"});
+            o["features"] = nlohmann::json::array({"Extrude1", "Fillet1"});
             o["baseShape"] = "shapes/Missing.brep";
         }
     Document other;
