@@ -2,6 +2,7 @@
 // document or as a sentence, never as a crash, a hang or a huge allocation.
 #include "core/ProjectFile.h"
 #include "geometry/GeometryTypes.h"
+#include "geometry/holes/HoleTypes.h"
 #include "sketch/SketchJson.h"
 
 #include <cstddef>
@@ -12,6 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         cad::ObjectTypes t;
         cad::registerSketchTypes(t);
         cad::registerGeometryTypes(t);
+        cad::registerHoleTypes(t);
         return t;
     }();
     auto result = cad::readProjectBytes(cad::Bytes(reinterpret_cast<const char*>(data), size),

@@ -8,6 +8,8 @@
 #include "core/Parameters.h"
 #include "geometry/GeometryCommands.h"
 #include "geometry/GeometryTypes.h"
+#include "geometry/holes/HoleCommands.h"
+#include "geometry/holes/HoleTypes.h"
 #include "sketch/SketchCommands.h"
 #include "sketch/SketchJson.h"
 
@@ -55,6 +57,7 @@ void registerAllCommands(CommandRegistry& registry) {
     // catalogue order, because agents read the tool list in that order.
     CommandRegistry scratch;
     registerGeometryCommands(scratch);
+    registerHoleCommands(scratch);
     registerHistoryCommands(scratch);
     registerSketchCommands(scratch);
     registerParameterCommands(scratch);
@@ -78,6 +81,7 @@ void registerAllCommands(CommandRegistry& registry) {
 void registerAllTypes(ObjectTypes& types) {
     registerSketchTypes(types);
     registerGeometryTypes(types);
+    registerHoleTypes(types);
 }
 
 } // namespace cad::mcp

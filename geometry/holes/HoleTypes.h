@@ -1,0 +1,10 @@
+// The project file's "Hole" and "Thread" records.
+#pragma once
+
+namespace cad {
+
+class ObjectTypes;
+
+void registerHoleTypes(ObjectTypes& types);
+
+} // namespace cad
