@@ -3,6 +3,7 @@
 #include "core/ProjectFile.h"
 #include "geometry/GeometryTypes.h"
 #include "geometry/holes/HoleTypes.h"
+#include "geometry/param/ParamTypes.h"
 #include "sketch/SketchJson.h"
 
 #include <cstddef>
@@ -14,6 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         cad::registerSketchTypes(t);
         cad::registerGeometryTypes(t);
         cad::registerHoleTypes(t);
+        cad::registerParamTypes(t);
         return t;
     }();
     auto result = cad::readProjectBytes(cad::Bytes(reinterpret_cast<const char*>(data), size),

@@ -10,6 +10,8 @@
 #include "geometry/GeometryTypes.h"
 #include "geometry/holes/HoleCommands.h"
 #include "geometry/holes/HoleTypes.h"
+#include "geometry/param/ParamCommands.h"
+#include "geometry/param/ParamTypes.h"
 #include "sketch/SketchCommands.h"
 #include "sketch/SketchJson.h"
 
@@ -58,6 +60,7 @@ void registerAllCommands(CommandRegistry& registry) {
     CommandRegistry scratch;
     registerGeometryCommands(scratch);
     registerHoleCommands(scratch);
+    registerParamCommands(scratch);
     registerHistoryCommands(scratch);
     registerSketchCommands(scratch);
     registerParameterCommands(scratch);
@@ -82,6 +85,7 @@ void registerAllTypes(ObjectTypes& types) {
     registerSketchTypes(types);
     registerGeometryTypes(types);
     registerHoleTypes(types);
+    registerParamTypes(types);
 }
 
 } // namespace cad::mcp
