@@ -141,6 +141,9 @@ private:
     // Change propagation from `sources`; with `rebuildOwners` a source that is a
     // feature also reaches its body.
     void propagate(const std::vector<DocumentObject*>& sources, bool rebuildOwners);
+    // One pass of it; the bodies whose change has to go round again.
+    std::vector<DocumentObject*> propagatePass(const std::vector<DocumentObject*>& sources,
+                                               bool rebuildOwners);
     // Applies the body's features from index `start` on to `input`, which may be the
     // cached shape before that feature.
     Result<void> rebuildFeatures(GeometryObject& body, std::size_t start,

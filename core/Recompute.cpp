@@ -60,7 +60,17 @@ void Document::propagate(const std::vector<DocumentObject*>& sources, bool rebui
     for (DocumentObject* source : sources) tellObservers(*source);
     if (notifyDepth_ >= 1) return;
     ++notifyDepth_;
+    // A body can be built from what follows it (a sketch on its own face, or on a
+    // plane from that face): what moved after the body was built moves it again, a
+    // bounded number of times, so two objects that keep moving each other stop.
+    std::vector<DocumentObject*> next = sources;
+    for (int pass = 0; pass <= kSettlingPasses && !next.empty(); ++pass)
+        next = propagatePass(next, rebuildOwners && pass == 0);
+    --notifyDepth_;
+}
 
+std::vector<DocumentObject*> Document::propagatePass(const std::vector<DocumentObject*>& sources,
+                                                     bool rebuildOwners) {
     // Everything that depends on the sources, directly or through others.
     std::set<std::string, std::less<>> changedIds;
     std::vector<DocumentObject*> affected;
@@ -98,30 +108,57 @@ void Document::propagate(const std::vector<DocumentObject*>& sources, bool rebui
         return std::any_of(uses.begin(), uses.end(),
                            [&](const std::string& id) { return changedIds.count(id) > 0; });
     };
+    // The first feature of a body that changed or uses a change, else empty.
+    auto firstReached = [&](const GeometryObject& body) {
+        for (const std::string& featureId : body.features) {
+            auto* feature = dynamic_cast<const FeatureObject*>(find(featureId));
+            if (!feature) continue;
+            std::vector<std::string> uses = feature->references();
+            std::erase(uses, body.id);
+            if (changedFeatures.count(featureId) || reachesChange(uses)) return featureId;
+        }
+        return std::string();
+    };
+    auto rebuild = [&](GeometryObject& body, const std::string& first) {
+        (void)rebuildBodyFrom(body, first);
+        changedIds.insert(body.id);
+        tellObservers(body);
+        for (const std::string& featureId : body.features)
+            if (DocumentObject* feature = findByName(featureId)) tellObservers(*feature);
+    };
+
+    std::vector<DocumentObject*> again;
+    std::set<std::string, std::less<>> done; // objects brought up to date in this pass
     for (DocumentObject* target : dependencyOrder(affected)) {
         if (auto* body = dynamic_cast<GeometryObject*>(target)) {
             // Only the features from the first one that changed or uses a change on.
-            std::string first;
-            for (const std::string& featureId : body->features) {
-                auto* feature = dynamic_cast<const FeatureObject*>(find(featureId));
-                if (!feature) continue;
-                if (changedFeatures.count(featureId) || reachesChange(feature->references())) {
-                    first = featureId;
+            std::string first = firstReached(*body);
+            if (first.empty()) continue;
+            rebuild(*body, first);
+            // Something already brought up to date uses it: that goes again.
+            for (const std::string& user : users(body->id))
+                if (done.count(user) && !isFeature(*find(user))) {
+                    again.push_back(body);
                     break;
                 }
-            }
-            if (first.empty()) continue;
-            (void)rebuildBodyFrom(*body, first);
-            changedIds.insert(body->id);
-            tellObservers(*body);
-            for (const std::string& featureId : body->features)
-                if (DocumentObject* feature = findByName(featureId)) tellObservers(*feature);
         } else if (reachesChange(dependenciesOf(*target)) && target->recompute(*this)) {
             changedIds.insert(target->id);
             tellObservers(*target);
         }
+        done.insert(target->id);
     }
-    --notifyDepth_;
+    // A source body that uses what moved because of it is built again from there.
+    changedFeatures.clear();
+    for (DocumentObject* other : sources) changedIds.erase(other->id);
+    for (DocumentObject* source : sources) {
+        auto* body = dynamic_cast<GeometryObject*>(source);
+        if (!body) continue;
+        std::string first = firstReached(*body);
+        if (first.empty()) continue;
+        rebuild(*body, first);
+        again.push_back(body);
+    }
+    return again;
 }
 
 void Document::recomputeAll() {

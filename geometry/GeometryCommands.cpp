@@ -1,4 +1,5 @@
-// Registers the solid-modeling commands with their catalogue descriptions.
+// Registers the solid-modeling, reference plane and section commands with their
+// catalogue descriptions.
 #include "geometry/GeometryCommands.h"
 
 #include "core/CommandRegistry.h"
@@ -7,6 +8,7 @@
 #include "geometry/ExtrudeCommand.h"
 #include "geometry/FacePlaneResolver.h"
 #include "geometry/FilletCommand.h"
+#include "geometry/planes/PlaneCommands.h"
 
 namespace cad {
 
@@ -46,6 +48,7 @@ void registerGeometryCommands(CommandRegistry& registry) {
                "least one), e.g. a box open at the top. Faces are persistent names from get_body, "
                "separated by ';'.",
                Kind::Shell);
+    registerPlaneCommands(registry);
 }
 
 } // namespace cad

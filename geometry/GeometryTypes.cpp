@@ -8,6 +8,7 @@
 #include "geometry/DressUpFeatures.h"
 #include "geometry/ExtrudeFeature.h"
 #include "geometry/Naming.h"
+#include "geometry/planes/PlaneRecords.h"
 
 #include <BRepTools.hxx>
 #include <BRep_Builder.hxx>
@@ -225,6 +226,7 @@ void registerGeometryTypes(ObjectTypes& types) {
     types.add(dressUpType<FilletFeature>("Fillet", "fillet"));
     types.add(dressUpType<ChamferFeature>("Chamfer", "chamfer"));
     types.add(dressUpType<ShellFeature>("Shell", "shell"));
+    registerPlaneTypes(types);
 }
 
 } // namespace cad

@@ -1,5 +1,5 @@
-// The project file's support for bodies and their features: their own keys, and a
-// body's base shape as a BRep side file.
+// The project file's support for bodies and their features (their own keys, and a
+// body's base shape as a BRep side file), reference planes and section analyses.
 #pragma once
 
 namespace cad {

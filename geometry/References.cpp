@@ -7,6 +7,7 @@
 #include "core/OriginPlanes.h"
 #include "core/TextCase.h"
 #include "geometry/SketchRegions.h"
+#include "geometry/planes/PlaneObject.h"
 #include "sketch/SketchCurves.h"
 #include "sketch/SketchObject.h"
 #include "sketch/SketchReference.h"
@@ -209,6 +210,16 @@ std::string objectPart(std::string_view reference) {
     return std::string(head);
 }
 
+std::vector<std::string> referencedObjects(const std::vector<std::string>& references) {
+    std::vector<std::string> ids;
+    for (const std::string& reference : references) {
+        std::string object = objectPart(reference);
+        if (!object.empty() && std::find(ids.begin(), ids.end(), object) == ids.end())
+            ids.push_back(std::move(object));
+    }
+    return ids;
+}
+
 std::vector<std::string> splitReferenceList(std::string_view text) {
     std::vector<std::string> items;
     std::size_t start = 0;
@@ -244,6 +255,14 @@ Result<ResolvedReference> resolveReference(const Document& document, std::string
                 ResolvedReference r;
                 r.plane = sketchPlane(*sketch);
                 r.point = r.plane->Location();
+                return r;
+            }
+            if (auto* plane = dynamic_cast<const PlaneObject*>(object)) {
+                // A plane whose reference has gone keeps its last placement.
+                if (!plane->placed) return fail(plane->id + " has no placement: " + plane->error);
+                ResolvedReference r;
+                r.plane = plane->placement;
+                r.point = plane->placement.Location();
                 return r;
             }
             return fail("'" + std::string(text) + "' isn't geometry that can be referenced.");

@@ -32,6 +32,8 @@ struct ResolvedReference {
 
 // The text before the first '/', trimmed; empty for origin names.
 std::string objectPart(std::string_view reference);
+// The objects a list of references names, each once, in order; origin names none.
+std::vector<std::string> referencedObjects(const std::vector<std::string>& references);
 // The items of a ';'-separated list, trimmed, empty items dropped.
 std::vector<std::string> splitReferenceList(std::string_view text);
 
