@@ -161,6 +161,9 @@ public:
     // ---- Forms and panels.
     // The Extrude action: its form on the selected profile, or a pick for one.
     void startExtrude();
+    // A feature's form ("Fillet", "Chamfer", "Shell", "Hole", "Thread") on what is
+    // selected; from a sketch being edited, the sketch is finished and selected first.
+    void startFeature(const QString& featureName);
     void showParameters();
     void showPalette();
     // Opens an object for editing the way its kind is edited: a sketch in the sketch
@@ -181,6 +184,8 @@ private:
     QAction* makeWindowAction(const QString& iconName, const QString& label,
                               const QString& objectName, const QString& description = {});
     void buildSketchActions();
+    // Fillet, Chamfer, Shell, Hole and Thread, which open their forms.
+    void buildFeatureActions();
     ToolStrip* buildSketchStrip(QWidget* parent);
     void connectSketchSession();
     void beginPlanePick();
@@ -285,6 +290,11 @@ private:
         QAction* dimension = nullptr;
         QAction* construction = nullptr;
         QAction* extrude = nullptr;
+        QAction* fillet = nullptr;
+        QAction* chamfer = nullptr;
+        QAction* shell = nullptr;
+        QAction* hole = nullptr;
+        QAction* thread = nullptr;
         QAction* parameters = nullptr;
         QAction* search = nullptr;
         QAction* browser = nullptr;

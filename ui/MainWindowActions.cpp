@@ -266,6 +266,7 @@ void MainWindow::buildActions() {
     a.browser->setChecked(true);
 
     buildSketchActions();
+    buildFeatureActions();
 }
 
 QMenu* MainWindow::buildMenu() {
@@ -379,17 +380,16 @@ QWidget* MainWindow::buildTopBar() {
     tabRow->addWidget(solidTab);
     row->addWidget(tabs);
 
-    // Only groups with tools that exist; each shows its tools until the user pins others.
-    // Only what exists: a group whose default tools are all still to come shows the
-    // ones it has.
+    // Only what exists: each group holds and pins the tools it has so far.
     modelingTools_ = new ToolStrip(QStringLiteral("modelingTools"), bar);
-    modelingTools_->addGroup(new ToolGroup(QStringLiteral("model.create"), QStringLiteral("CREATE"),
-                                           {actions_.sketch, actions_.extrude, actions_.box},
-                                           {QStringLiteral("Sketch"), QStringLiteral("Extrude")}));
+    modelingTools_->addGroup(new ToolGroup(
+        QStringLiteral("model.create"), QStringLiteral("CREATE"),
+        {actions_.sketch, actions_.extrude, actions_.hole, actions_.thread, actions_.box},
+        {QStringLiteral("Sketch"), QStringLiteral("Extrude"), QStringLiteral("Hole")}));
     modelingTools_->addGroup(new ToolGroup(
         QStringLiteral("model.modify"), QStringLiteral("MODIFY"),
-        {actions_.remove, actions_.parameters},
-        {QStringLiteral("Delete"), QStringLiteral("Parameters")}));
+        {actions_.fillet, actions_.chamfer, actions_.shell, actions_.remove, actions_.parameters},
+        {QStringLiteral("Fillet"), QStringLiteral("Chamfer"), QStringLiteral("Shell")}));
     row->addWidget(modelingTools_, 1);
     sketchTools_ = buildSketchStrip(bar);
     row->addWidget(sketchTools_, 1);

@@ -1,6 +1,7 @@
 // The panels around the view and what they start: the browser (over the view), the
 // history (in the left rail), the parameters dialog, the command palette, and the
-// feature forms with the Extrude action.
+// feature forms with the actions that open them (Extrude, Fillet, Chamfer, Shell,
+// Hole, Thread).
 #include "ui/MainWindow.h"
 
 #include "core/GeometryObject.h"
@@ -17,12 +18,16 @@
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/presentation/ReferencePicker.h"
 #include "ui/widgets/OverlayPanel.h"
+#include "ui/widgets/WindowTexts.h"
 
 #include <StdSelect_BRepOwner.hxx>
 
 #include <QAction>
 #include <QFileInfo>
+#include <QKeySequence>
 #include <QMenu>
+
+#include <array>
 
 namespace cad::ui {
 
@@ -103,6 +108,53 @@ std::vector<std::string> MainWindow::selectedReferences() const {
         if (!name.empty()) references.push_back(id + "/" + name);
     }
     return references;
+}
+
+void MainWindow::buildFeatureActions() {
+    struct FeatureAction {
+        QAction* Actions::*slot;
+        const char* iconName;
+        const char* label;
+        const char* objectName;
+        const char* shortcut;
+        const char* description;
+        const char* feature;
+    };
+    static constexpr std::array<FeatureAction, 5> features{{
+        {&Actions::fillet, "fillet", "Fillet", "edgeFillet", "", "Round edges of a body", "Fillet"},
+        {&Actions::chamfer, "chamfer", "Chamfer", "edgeChamfer", "", "Bevel edges of a body",
+         "Chamfer"},
+        {&Actions::shell, "shell", "Shell", "shellAction", "",
+         "Hollow a body, open at the faces you pick", "Shell"},
+        {&Actions::hole, "hole", "Hole", "holeAction", "H",
+         "Click a face, or select a sketch with points first", "Hole"},
+        {&Actions::thread, "thread", "Thread", "threadAction", "",
+         "On a cylindrical face: a bolt, boss or hole", "Thread"},
+    }};
+    for (const FeatureAction& f : features) {
+        const QString description = QString::fromLatin1(f.description);
+        QAction* action =
+            makeWindowAction(QString::fromLatin1(f.iconName), QString::fromLatin1(f.label),
+                             QString::fromLatin1(f.objectName), description);
+        if (const QString shortcut = QString::fromLatin1(f.shortcut); !shortcut.isEmpty()) {
+            action->setShortcut(QKeySequence(shortcut));
+            action->setToolTip(actionTooltip(action->text(), shortcut, description));
+        }
+        const QString feature = QString::fromLatin1(f.feature);
+        connect(action, &QAction::triggered, this, [this, feature] { startFeature(feature); });
+        actions_.*f.slot = action;
+    }
+}
+
+void MainWindow::startFeature(const QString& featureName) {
+    // A sketch being drawn is finished, and its points are where holes go.
+    const std::string sketch = editedSketch();
+    if (!sketch.empty()) {
+        finishSketch();
+        presenter_->selectObjects({sketch});
+    }
+    endPlanePick();
+    forms_->openFeatureForm(featureName);
 }
 
 void MainWindow::startExtrude() {

@@ -1,10 +1,13 @@
 // The feature forms over a real 3D view: pick rows counting and clearing, bad
-// expressions blocking OK, one form at a time with no preview left behind, and
-// edits tried live on the model, withdrawn on Esc and recorded once on Enter.
+// expressions blocking OK, one form at a time with no preview left behind, edits
+// tried live on the model, withdrawn on Esc and recorded once on Enter, new
+// features tried on their body, and a hole placed by a click on a face.
 #include "GeometryTestModel.h"
 
 #include "core/units/ExpressionParser.h"
+#include "geometry/holes/HoleCommands.h"
 #include "rendering/Viewport.h"
+#include "sketch/SketchObject.h"
 #include "ui/forms/FeatureForm.h"
 #include "ui/forms/FormController.h"
 #include "ui/presentation/DocumentPresenter.h"
@@ -25,6 +28,7 @@
 #include <QToolButton>
 
 #include <memory>
+#include <numbers>
 
 namespace cad::testing {
 
@@ -315,6 +319,70 @@ TEST_F(Forms, ClicksInTheViewFillTheProfileThenTheTarget) {
     EXPECT_TRUE(forms->accept());
     EXPECT_NEAR(volumeOf("Box1"), 40 * 40 * 10 - 20 * 20 * 3, 1e-6);
     EXPECT_EQ(viewport->tool(), nullptr);
+}
+
+TEST_F(Forms, NewFeaturesAreTriedOnTheirBodyAndAClickedHoleIsOneStep) {
+    registerHoleCommands(registry);
+    ok("create_box", {{"width", 20.0}, {"depth", 20.0}, {"height", 10.0}});
+    const geometry::NamedShape& box = body("Box1")->shape;
+    std::string corner; // the vertical edge at x = y = 20
+    for (TopExp_Explorer e(box.shape(), TopAbs_EDGE); e.More() && corner.empty(); e.Next()) {
+        const auto b = bounds(e.Current());
+        if (b[0] > 19.9 && b[1] > 19.9 && b[5] - b[2] > 9.9)
+            corner = "Box1/" + box.nameOf(e.Current());
+    }
+    ASSERT_FALSE(corner.empty());
+    const std::size_t steps = stack.undoCount();
+
+    // The fillet panel rounds the selected edge on the model while it is open.
+    selection = {corner};
+    ASSERT_TRUE(forms->openFeatureForm(QStringLiteral("Fillet")));
+    EXPECT_EQ(form().objectName(), QStringLiteral("filletPanel"));
+    EXPECT_TRUE(stack.hasTrial());
+    const double rounded = 4000 - (4 - std::numbers::pi) * 10;
+    EXPECT_NEAR(volumeOf("Box1"), rounded, 1e-6);
+    lengthRow("radius")->setText(QStringLiteral("30"));
+    EXPECT_FALSE(form().acceptEnabled());
+    EXPECT_TRUE(form().message().startsWith(QStringLiteral("The fillet couldn't be built")))
+        << form().message().toStdString();
+    EXPECT_NEAR(volumeOf("Box1"), 4000, 1e-6);
+    lengthRow("radius")->setText(QStringLiteral("2"));
+    ok("set_parameter", {{"name", "p"}, {"expression", "1"}}); // withdraws the trial first
+    ASSERT_TRUE(forms->accept());
+    EXPECT_NE(document.find("Fillet1"), nullptr); // the trials left the name free
+    EXPECT_NEAR(volumeOf("Box1"), rounded, 1e-6);
+    EXPECT_EQ(stack.undoCount(), steps + 2);
+
+    // A click on the top face places a hole there: sketch, point and hole in one step.
+    presenter->setOriginVisible(false);
+    viewport->setStandardView(V3d_Zpos, false);
+    for (int i = 0; i < 2; ++i) {
+        viewport->repaint();
+        QCoreApplication::processEvents();
+        viewport->fitAll();
+    }
+    int px = 0, py = 0;
+    viewport->view()->Convert(5.0, 6.0, 10.0, px, py);
+    const double ratio = viewport->devicePixelRatioF();
+    selection.clear();
+    ASSERT_TRUE(forms->openFeatureForm(QStringLiteral("Hole")));
+    EXPECT_EQ(form().activePick(), QStringLiteral("position"));
+    QTest::mouseClick(viewport.get(), Qt::LeftButton, {},
+                      QPoint(static_cast<int>(px / ratio), static_cast<int>(py / ratio)));
+    ASSERT_EQ(form().references(QStringLiteral("position")).size(), 1u);
+    EXPECT_TRUE(form().acceptEnabled()) << form().message().toStdString();
+    EXPECT_FALSE(forms->session()->presentation().IsNull()); // the hole's tool, in red
+    ASSERT_TRUE(forms->accept());
+    EXPECT_EQ(stack.undoCount(), steps + 3);
+    ASSERT_NE(document.findAs<SketchObject>("Sketch1"), nullptr);
+    const auto& point = document.findAs<SketchObject>("Sketch1")->entities.front();
+    EXPECT_NEAR(document.findAs<SketchObject>("Sketch1")->toModel(
+                    std::get<SketchPoint>(point.geometry).position)[0],
+                5.0, 0.2);
+    EXPECT_LT(volumeOf("Box1"), rounded - 100);
+    stack.undo();
+    EXPECT_EQ(document.find("Sketch1"), nullptr);
+    EXPECT_NEAR(volumeOf("Box1"), rounded, 1e-6);
 }
 
 TEST_F(Forms, RowsOfEveryKindFoldAndKeys) {

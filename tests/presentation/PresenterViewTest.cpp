@@ -1,9 +1,11 @@
 // The presenter and the picker on a real 3D view under a virtual X screen: bodies
-// picked by the selection filter, changes redrawn in place, removals, and the
-// picker's candidates, groups, hint and Shift rule.
+// picked by the selection filter, changes redrawn in place, removals, cosmetic
+// threads marked with their body, and the picker's candidates, groups, hint and
+// Shift rule.
 #include "PresentationModel.h"
 
 #include "geometry/References.h"
+#include "geometry/holes/HoleCommands.h"
 #include "rendering/Viewport.h"
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/presentation/ReferencePicker.h"
@@ -315,6 +317,56 @@ TEST_F(PresenterView, PickerFindsSketchEntitiesAndRegions) {
     EXPECT_EQ(candidates.front().kind, ui::PickRegion);
     EXPECT_TRUE(candidates.front().reference.starts_with(sketch + "/Region("));
     EXPECT_TRUE(geometry::resolveReference(document, candidates.front().reference));
+}
+
+TEST_F(PresenterView, CosmeticThreadsAreMarkedWithTheirBodyAndFollowIt) {
+    registerHoleCommands(registry);
+    ok("create_box", {{"width", 40}, {"depth", 40}, {"height", 10}});
+    ok("create_sketch", {{"origin_x", 0.0},
+                         {"origin_y", 0.0},
+                         {"origin_z", 10.0},
+                         {"normal_x", 0.0},
+                         {"normal_y", 0.0},
+                         {"normal_z", 1.0},
+                         {"x_dir_x", 1.0},
+                         {"x_dir_y", 0.0},
+                         {"x_dir_z", 0.0},
+                         {"support", "Box1"}});
+    ok("add_point", {{"sketch", "Sketch1"}, {"x", 12}, {"y", 20}});
+    EXPECT_TRUE(presenter->threadMarksOf("Box1").empty());
+
+    // A tapped M6 hole 10 deep: a helix at the 3 mm major radius down the hole, drawn
+    // with the body and never picked.
+    ok("hole", {{"sketch", "Sketch1"}, {"size", "M6"}});
+    auto marks = presenter->threadMarksOf("Box1");
+    ASSERT_EQ(marks.size(), 1u);
+    EXPECT_TRUE(context()->IsDisplayed(marks.front()));
+    TColStd_ListOfInteger modes;
+    context()->ActivatedModes(marks.front(), modes);
+    EXPECT_TRUE(modes.IsEmpty());
+    const auto b = bounds(Handle(AIS_Shape)::DownCast(marks.front())->Shape());
+    EXPECT_NEAR(b[0], 9, 1e-3);
+    EXPECT_NEAR(b[4], 23, 1e-3);
+    EXPECT_NEAR(b[5], 10, 1e-3);
+    EXPECT_NEAR(b[2], 0, 1e-3); // the whole depth
+
+    // Hidden with the body; gone once the thread is modeled, back on undo.
+    ok("set_visibility", {{"object", "Box1"}, {"visible", false}});
+    EXPECT_FALSE(context()->IsDisplayed(presenter->threadMarksOf("Box1").front()));
+    ASSERT_TRUE(stack.undo());
+    EXPECT_TRUE(context()->IsDisplayed(presenter->threadMarksOf("Box1").front()));
+    // A counterbore's thread starts at its floor, 6.4 deep for M6.
+    ok("edit_hole", {{"feature", "Hole1"}, {"kind", "counterbore"}});
+    ASSERT_EQ(presenter->threadMarksOf("Box1").size(), 1u);
+    const auto below =
+        bounds(Handle(AIS_Shape)::DownCast(presenter->threadMarksOf("Box1").front())->Shape());
+    EXPECT_NEAR(below[5], 10 - 6.4, 1e-3);
+    ASSERT_TRUE(stack.undo());
+    ok("edit_hole", {{"feature", "Hole1"}, {"modeled", true}});
+    EXPECT_TRUE(presenter->threadMarksOf("Box1").empty());
+    ASSERT_TRUE(stack.undo());
+    ASSERT_EQ(presenter->threadMarksOf("Box1").size(), 1u);
+    EXPECT_TRUE(context()->IsDisplayed(presenter->threadMarksOf("Box1").front()));
 }
 
 } // namespace cad::testing

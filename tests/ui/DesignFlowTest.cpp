@@ -3,7 +3,8 @@
 // step the document read back by an agent on the window's socket: a sketch on XY, a
 // rectangle by two clicks with its width typed, a dimension placed by clicking, the
 // extrude form, a rename in the browser, the history rolled back and forward by
-// dragging its marker, and an action run from the palette.
+// dragging its marker, and an action run from the palette; then an edge of a box
+// rounded by hand, and the fillet's edit opened from the history and cancelled.
 #include "tests/ui/AgentClient.h"
 
 #include "mcp/SocketPath.h"
@@ -24,9 +25,11 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMimeData>
+#include <QPushButton>
 #include <QToolButton>
 
 #include <cstdlib>
+#include <numbers>
 
 namespace cad::ui::testing {
 namespace {
@@ -266,6 +269,75 @@ TEST_F(DesignFlowTest, APartIsDrawnDimensionedExtrudedRenamedAndRolledBackByHand
     EXPECT_GE(steps, 6u);
     for (std::size_t i = 0; i < steps; ++i) key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(window->document().objects().empty());
+}
+
+TEST_F(DesignFlowTest, AnEdgeIsRoundedByHandAndAnEditCancelledFromTheHistory) {
+    CommandRecord box("create_box");
+    box.set("width", 20.0).set("depth", 20.0).set("height", 10.0);
+    ASSERT_TRUE(window->runCommand(box).ok);
+    window->viewport().setStandardView(V3d_XposYnegZpos, false);
+    window->viewport().fitAll();
+    QTest::qWait(100);
+    const auto volume = [this] {
+        const json body = read("get_body", {{"body", "Box1"}});
+        return body.contains("measured") ? body["measured"].value("volume_mm3", 0.0) : 0.0;
+    };
+    // A radius r along the 10 mm edge takes r * r * (1 - pi / 4) off each millimetre.
+    const auto rounded = [](double r) { return 4000 - r * r * (4 - std::numbers::pi) / 4 * 10; };
+
+    // Edges only, then a click on the box's front right edge selects it.
+    clickButton(toolButton(QStringLiteral("edgesFilter")));
+    clickButton(toolButton(QStringLiteral("facesFilter")));
+    ASSERT_TRUE(window->presenter().edgesSelectable());
+    ASSERT_FALSE(window->presenter().facesSelectable());
+    clickAt(pixelOf(20, 0, 5));
+    ASSERT_TRUE(waitUntil([this] { return window->viewport().context()->NbSelected() == 1; }));
+
+    // Fillet opens on that edge; the radius typed, OK rounds it.
+    clickButton(toolButton(QStringLiteral("edgeFillet")));
+    ASSERT_TRUE(window->forms().isOpen());
+    FeatureForm* form = window->forms().form();
+    EXPECT_EQ(form->objectName(), QStringLiteral("filletPanel"));
+    ASSERT_EQ(form->references(QStringLiteral("edges")).size(), 1u);
+    auto* radius = qobject_cast<QLineEdit*>(form->editor(QStringLiteral("radius")));
+    ASSERT_NE(radius, nullptr);
+    QTest::mouseDClick(radius, Qt::LeftButton);
+    radius->selectAll();
+    type(QStringLiteral("2"));
+    shot("fillet-panel");
+    clickButton(form->primaryButton());
+    ASSERT_TRUE(waitUntil([this] { return !window->forms().isOpen(); }, 5000));
+    EXPECT_NE(window->document().find("Fillet1"), nullptr);
+    EXPECT_EQ(window->commandStack().undoRecord()->name, "fillet");
+    EXPECT_NEAR(volume(), rounded(2), 1e-3);
+    const std::size_t steps = window->commandStack().undoCount();
+
+    // A double-click on its history row opens its edit; a bigger radius shows at once
+    // and Cancel takes it back.
+    auto* history = window->findChild<HistoryPanel*>();
+    ASSERT_NE(history, nullptr);
+    QListWidgetItem* row = history->itemFor("Fillet1");
+    ASSERT_NE(row, nullptr);
+    // A double-click comes after a click, as from a real mouse.
+    const QPoint at = history->list()->visualItemRect(row).center();
+    QTest::mouseClick(history->list()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QTest::mouseDClick(history->list()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    ASSERT_TRUE(waitUntil([this] { return window->forms().isOpen(); }, 5000));
+    form = window->forms().form();
+    EXPECT_EQ(form->title(), QStringLiteral("Edit Fillet1"));
+    radius = qobject_cast<QLineEdit*>(form->editor(QStringLiteral("radius")));
+    ASSERT_NE(radius, nullptr);
+    EXPECT_EQ(radius->text(), QStringLiteral("2"));
+    QTest::mouseDClick(radius, Qt::LeftButton);
+    radius->selectAll();
+    type(QStringLiteral("3"));
+    EXPECT_NEAR(volume(), rounded(3), 1e-3);
+    shot("fillet-edit");
+    clickButton(form->cancelButton());
+    EXPECT_FALSE(window->forms().isOpen());
+    EXPECT_NEAR(volume(), rounded(2), 1e-3);
+    EXPECT_EQ(window->commandStack().undoCount(), steps);
+    EXPECT_FALSE(window->commandStack().canRedo());
 }
 
 } // namespace

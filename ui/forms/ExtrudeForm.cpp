@@ -4,11 +4,11 @@
 
 #include "core/Document.h"
 #include "core/GeometryObject.h"
-#include "core/units/Format.h"
 #include "geometry/ExtrudeFeature.h"
 #include "geometry/References.h"
 #include "sketch/SketchObject.h"
 #include "ui/forms/FeatureForm.h"
+#include "ui/forms/FormValues.h"
 #include "ui/presentation/ReferencePicker.h"
 
 #include <BRepAdaptor_Surface.hxx>
@@ -37,16 +37,6 @@ struct ExtrudeValues {
     QString thinSide = QStringLiteral("inside");
     bool thin = false;
 };
-
-QString lengthText(double millimetres, const Document& document) {
-    return QString::fromStdString(units::formatLength(millimetres, document.lengthUnit(), false));
-}
-
-std::string joined(const std::vector<std::string>& references) {
-    std::string text;
-    for (const std::string& reference : references) text += (text.empty() ? "" : ";") + reference;
-    return text;
-}
 
 // The body a clicked face belongs to.
 Result<std::string> bodyReference(const Document& document, const std::string& reference) {
@@ -116,14 +106,6 @@ void addRows(FeatureForm& form, const Document& document, const ExtrudeValues& v
                   {QStringLiteral("join"), QStringLiteral("cut")});
 }
 
-// A length row into the record as typed, once it evaluates.
-Result<void> putLength(CommandRecord& record, const FeatureForm& form, const QString& key) {
-    Result<double> value = form.length(key);
-    if (!value) return Error(value);
-    record.set(key.toStdString(), form.text(key).toStdString());
-    return {};
-}
-
 } // namespace
 
 Result<std::string> profileReference(const Document& document, const std::string& reference) {
@@ -174,7 +156,7 @@ FormDefinition extrudeForm(const Document& document, const std::vector<std::stri
         CommandRecord record("extrude");
         const std::vector<std::string>& profile = f.references(QStringLiteral("sketch"));
         if (profile.empty()) return fail(kProfilePrompt.toStdString() + ".");
-        record.set("sketch", joined(profile));
+        record.set("sketch", joinReferences(profile));
         if (auto ok = putLength(record, f, QStringLiteral("distance")); !ok) return Error(ok);
         const QString operation = f.text(QStringLiteral("operation"));
         if (operation != QStringLiteral("new_body")) {
@@ -196,7 +178,7 @@ FormDefinition extrudeForm(const Document& document, const std::vector<std::stri
         // The values are known to evaluate: build ran first.
         ExtrudeFeature feature;
         feature.id = document.nextId("Extrude");
-        feature.profile = joined(f.references(QStringLiteral("sketch")));
+        feature.profile = joinReferences(f.references(QStringLiteral("sketch")));
         feature.distance = f.length(QStringLiteral("distance")).value();
         feature.operation =
             *parseExtrudeOperation(f.text(QStringLiteral("operation")).toStdString());
@@ -220,9 +202,7 @@ FormDefinition extrudeForm(const Document& document, const std::vector<std::stri
 
 FormDefinition editExtrudeForm(const Document& document, const ExtrudeFeature& feature) {
     const auto textOf = [&](const char* key, double value) {
-        auto it = feature.expressions.find(key);
-        return it != feature.expressions.end() ? QString::fromStdString(it->second.text)
-                                               : lengthText(value, document);
+        return valueText(feature.expressions, key, value, document);
     };
     ExtrudeValues values;
     values.profile = geometry::splitReferenceList(feature.profile);

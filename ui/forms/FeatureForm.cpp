@@ -7,6 +7,7 @@
 #include "ui/widgets/LengthEdit.h"
 #include "ui/widgets/OverlayPanel.h"
 
+#include <QButtonGroup>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -27,6 +28,15 @@ namespace cad::ui {
 namespace {
 
 bool isReturn(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+
+// A segmented row's buttons carry their value in this property.
+constexpr const char* kSegmentValue = "segmentValue";
+
+QString segmentedValue(const QWidget* row) {
+    for (const auto* button : row->findChildren<QToolButton*>())
+        if (button->isChecked()) return button->property(kSegmentValue).toString();
+    return {};
+}
 
 } // namespace
 
@@ -118,7 +128,9 @@ FeatureForm::Field& FeatureForm::addRow(const QString& key, FieldKind kind, cons
             break;
         }
     editor->setToolTip(tooltip);
-    if (kind == FieldKind::Section || kind == FieldKind::Message) {
+    // Sections, messages and rows without a label take the whole width.
+    if (kind == FieldKind::Section || kind == FieldKind::Message ||
+        (label.isEmpty() && kind != FieldKind::Flag)) {
         grid_->addWidget(field->cell, field->row, 0, 1, 2);
     } else {
         // A flag carries its own text; its label column stays empty.
@@ -190,6 +202,37 @@ QComboBox* FeatureForm::addChoice(const QString& key, const QString& label, cons
     return combo;
 }
 
+QFrame* FeatureForm::addSegmented(const QString& key, const QString& label, const QString& tooltip,
+                                  const std::vector<FieldChoice>& choices, const QString& value) {
+    auto* row = new QFrame(rows_);
+    row->setObjectName(QStringLiteral("segmented"));
+    row->setProperty("segmented", true);
+    auto* line = new QHBoxLayout(row);
+    line->setContentsMargins(2, 2, 2, 2);
+    line->setSpacing(2);
+    auto* group = new QButtonGroup(row);
+    group->setExclusive(true);
+    for (const FieldChoice& choice : choices) {
+        auto* button = new QToolButton(row);
+        button->setText(choice.text);
+        button->setToolTip(choice.tooltip);
+        button->setCheckable(true);
+        button->setAutoRaise(true);
+        button->setProperty(kSegmentValue, choice.value);
+        button->setChecked(choice.value == value);
+        group->addButton(button);
+        line->addWidget(button);
+    }
+    if (!group->checkedButton() && !group->buttons().isEmpty())
+        group->buttons().front()->setChecked(true);
+    line->addStretch(1);
+    addRow(key, FieldKind::Choice, label, tooltip, row);
+    connect(group, &QButtonGroup::buttonToggled, this, [this, key](QAbstractButton*, bool on) {
+        if (on) valueChanged(key);
+    });
+    return row;
+}
+
 QLineEdit* FeatureForm::addText(const QString& key, const QString& label, const QString& tooltip,
                                 const QString& value) {
     auto* edit = new QLineEdit(value, rows_);
@@ -222,8 +265,7 @@ QLabel* FeatureForm::addMessage(const QString& key, const QString& text) {
 void FeatureForm::showWhen(const QString& key, const QString& other, const QStringList& values) {
     Field* field = find(key);
     if (!field) return;
-    field->whenKey = other;
-    field->whenValues = values;
+    field->when.emplace_back(other, values);
     applyVisibility();
 }
 
@@ -255,7 +297,9 @@ QString FeatureForm::text(const QString& key) const {
     case FieldKind::Integer:
         return QString::number(static_cast<QSpinBox*>(field->editor)->value());
     case FieldKind::Choice:
-        return static_cast<QComboBox*>(field->editor)->currentData().toString();
+        if (auto* combo = qobject_cast<QComboBox*>(field->editor))
+            return combo->currentData().toString();
+        return segmentedValue(field->editor);
     case FieldKind::Flag:
         return static_cast<QToolButton*>(field->editor)->isChecked() ? QStringLiteral("true")
                                                                      : QStringLiteral("false");
@@ -311,8 +355,12 @@ void FeatureForm::setText(const QString& key, const QString& value) {
         static_cast<QSpinBox*>(field->editor)->setValue(value.toInt());
         break;
     case FieldKind::Choice: {
-        auto* combo = static_cast<QComboBox*>(field->editor);
-        if (const int index = combo->findData(value); index >= 0) combo->setCurrentIndex(index);
+        if (auto* combo = qobject_cast<QComboBox*>(field->editor)) {
+            if (const int index = combo->findData(value); index >= 0) combo->setCurrentIndex(index);
+            break;
+        }
+        for (auto* button : field->editor->findChildren<QToolButton*>())
+            if (button->property(kSegmentValue).toString() == value) button->setChecked(true);
         break;
     }
     case FieldKind::Flag:
@@ -369,8 +417,8 @@ void FeatureForm::applyVisibility() {
     for (auto& field : fields_) {
         bool shown = true;
         if (const Field* section = find(field->section); section && section->folded) shown = false;
-        if (!field->whenKey.isEmpty() && !field->whenValues.contains(text(field->whenKey)))
-            shown = false;
+        for (const auto& [other, values] : field->when)
+            if (!values.contains(text(other))) shown = false;
         if (shown == field->shown) continue;
         field->shown = shown;
         changedAny = true;

@@ -12,11 +12,14 @@
 #include <QString>
 #include <QStringList>
 
+#include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 class QComboBox;
+class QFrame;
 class QGridLayout;
 class QLabel;
 class QLineEdit;
@@ -53,6 +56,10 @@ public:
                          int value, int minimum = 1, int maximum = 1000);
     QComboBox* addChoice(const QString& key, const QString& label, const QString& tooltip,
                          const std::vector<FieldChoice>& choices, const QString& value);
+    // A choice shown as a row of buttons, one of them pressed ("Fillet | Chamfer");
+    // without a label it takes the card's whole width.
+    QFrame* addSegmented(const QString& key, const QString& label, const QString& tooltip,
+                         const std::vector<FieldChoice>& choices, const QString& value);
     QLineEdit* addText(const QString& key, const QString& label, const QString& tooltip,
                        const QString& value);
     QToolButton* addFlag(const QString& key, const QString& label, const QString& tooltip,
@@ -61,7 +68,7 @@ public:
                          const PickRule& rule);
     QLabel* addMessage(const QString& key, const QString& text);
     // The row shows only while `other` holds one of `values` (a flag reads "true" or
-    // "false", a choice its value).
+    // "false", a choice its value); with several such conditions, while all hold.
     void showWhen(const QString& key, const QString& other, const QStringList& values);
 
     bool has(const QString& key) const;
@@ -93,8 +100,10 @@ public:
     bool activateNextEmptyPick();
     // References clicked for the active row: added, or dropped when all of them were
     // there already (a second click undoes the first). A single row takes the first
-    // and moves on to the next empty row.
-    void picked(const std::vector<std::string>& references);
+    // and moves on to the next empty row. `at` is the model point the click hit, when
+    // known.
+    void picked(const std::vector<std::string>& references,
+                const std::optional<std::array<double, 3>>& at = std::nullopt);
     // The prompt of the first shown, required pick row that is empty; empty when none.
     QString missingPrompt() const;
     // Pick rows show their references' current labels again.

@@ -3,6 +3,9 @@
 
 #include "ui/forms/FeatureForm.h"
 
+#include <utility>
+#include <vector>
+
 class QLabel;
 class QToolButton;
 class QWidget;
@@ -21,8 +24,8 @@ struct FeatureForm::Field {
     QString section; // the section row above, if any
     bool folded = false;
     bool shown = true;
-    QString whenKey;
-    QStringList whenValues;
+    // Shown only while each of these rows holds one of its values.
+    std::vector<std::pair<QString, QStringList>> when;
     PickRule rule;
     std::vector<std::string> references;
     bool readOnly = false;

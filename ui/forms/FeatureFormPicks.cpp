@@ -84,14 +84,16 @@ bool FeatureForm::activateNextEmptyPick() {
     return false;
 }
 
-void FeatureForm::picked(const std::vector<std::string>& references) {
+void FeatureForm::picked(const std::vector<std::string>& references,
+                         const std::optional<std::array<double, 3>>& at) {
     Field* field = find(activePick_);
     if (!field) return;
     std::vector<std::string> taken;
     QString refusal;
     for (const std::string& reference : references) {
-        Result<std::string> kept =
-            field->rule.accept ? field->rule.accept(reference) : Result<std::string>(reference);
+        Result<std::string> kept = at && field->rule.acceptAt ? field->rule.acceptAt(reference, *at)
+                                   : field->rule.accept       ? field->rule.accept(reference)
+                                                              : Result<std::string>(reference);
         if (!kept) {
             refusal = QString::fromStdString(kept.error());
             continue;
@@ -145,6 +147,8 @@ void FeatureForm::updatePickText(Field& field) {
     QString text;
     if (count == 0)
         text = active ? QStringLiteral("Click in the view\u2026") : QStringLiteral("None");
+    else if (count == 1 && field.rule.label)
+        text = field.rule.label(field.references.front());
     else if (count == 1)
         text = document_ ? referenceLabel(*document_, field.references.front())
                          : QString::fromStdString(field.references.front());

@@ -6,11 +6,17 @@
 #include "core/CommandStack.h"
 #include "core/Document.h"
 #include "core/units/NameLookup.h"
+#include "geometry/DressUpFeatures.h"
 #include "geometry/ExtrudeFeature.h"
+#include "geometry/holes/HoleFeature.h"
+#include "geometry/holes/ThreadFeature.h"
 #include "rendering/Viewport.h"
 #include "ui/forms/BoxForm.h"
+#include "ui/forms/DressUpForms.h"
 #include "ui/forms/ExtrudeForm.h"
 #include "ui/forms/FeatureForm.h"
+#include "ui/forms/HoleForm.h"
+#include "ui/forms/ThreadForm.h"
 #include "ui/presentation/ReferencePicker.h"
 
 #include <QEvent>
@@ -39,6 +45,24 @@ QString failureNote(const std::string& message) {
 
 } // namespace
 
+Result<CommandRecord> checkForm(const FormDefinition& definition, FeatureForm& form) {
+    form.revalidate();
+    form.showMessage({});
+    if (definition.changed) definition.changed(form);
+    const bool complete =
+        definition.complete ? definition.complete(form) : form.missingPrompt().isEmpty();
+    Result<CommandRecord> record = fail(form.missingPrompt().toStdString());
+    if (complete && definition.build) record = definition.build(form);
+    form.setAcceptEnabled(complete && record.ok());
+    if (!complete) {
+        // The prompt says what's missing; it is no error.
+        if (form.message().isEmpty()) form.showMessage(form.missingPrompt());
+    } else if (!record) {
+        form.showMessage(QString::fromStdString(record.error()), true);
+    }
+    return record;
+}
+
 FormController::FormController(QWidget* host, rendering::Viewport* view, ReferencePicker& picker,
                                CommandStack& stack, Runner run, QObject* parent)
     : QObject(parent), host_(host), view_(view), picker_(picker), stack_(stack),
@@ -57,22 +81,37 @@ void FormController::setSelectionProvider(SelectionProvider provider) {
 
 bool FormController::openFeatureForm(const QString& featureName) {
     const Document& document = stack_.document();
-    if (featureName == QStringLiteral("Extrude")) {
-        open(extrudeForm(document, selection_ ? selection_() : std::vector<std::string>()));
-        return true;
-    }
-    if (featureName == QStringLiteral("Box")) {
+    const std::vector<std::string> selection =
+        selection_ ? selection_() : std::vector<std::string>();
+    if (featureName == QStringLiteral("Extrude"))
+        open(extrudeForm(document, selection));
+    else if (featureName == QStringLiteral("Box"))
         open(boxForm(document));
-        return true;
-    }
-    return false;
+    else if (featureName == QStringLiteral("Fillet") || featureName == QStringLiteral("Chamfer"))
+        open(filletForm(document, selection, featureName == QStringLiteral("Chamfer")));
+    else if (featureName == QStringLiteral("Shell"))
+        open(shellForm(document, selection));
+    else if (featureName == QStringLiteral("Hole"))
+        open(holeForm(document, selection));
+    else if (featureName == QStringLiteral("Thread"))
+        open(threadForm(document, selection));
+    else
+        return false;
+    return true;
 }
 
 bool FormController::openEditForm(const std::string& featureId) {
     const Document& document = stack_.document();
-    const auto* extrude = document.findAs<ExtrudeFeature>(featureId);
-    if (!extrude) return false;
-    open(editExtrudeForm(document, *extrude));
+    if (const auto* extrude = document.findAs<ExtrudeFeature>(featureId))
+        open(editExtrudeForm(document, *extrude));
+    else if (const auto* dressUp = document.findAs<DressUpFeature>(featureId))
+        open(editDressUpForm(document, *dressUp));
+    else if (const auto* hole = document.findAs<HoleFeature>(featureId))
+        open(editHoleForm(document, *hole));
+    else if (const auto* thread = document.findAs<ThreadFeature>(featureId))
+        open(editThreadForm(document, *thread));
+    else
+        return false;
     return true;
 }
 
@@ -82,6 +121,7 @@ void FormController::open(FormDefinition definition) {
     auto scope = documentUnits(document);
     definition_ = std::move(definition);
     form_ = new FeatureForm(&document, host_);
+    form_->setObjectName(definition_.objectName);
     form_->setTitle(definition_.icon, definition_.title);
     form_->setPrimaryText(definition_.primaryText);
     if (definition_.setup) definition_.setup(*form_);
@@ -117,10 +157,20 @@ bool FormController::accept() {
         form_->setAcceptEnabled(false);
         return false;
     }
+    Result<std::vector<CommandRecord>> before = std::vector<CommandRecord>();
+    if (definition_.before) {
+        auto scope = documentUnits(stack_.document());
+        before = definition_.before(*form_);
+    }
+    if (!before) {
+        showMessage(QString::fromStdString(before.error()), true);
+        form_->setAcceptEnabled(false);
+        return false;
+    }
     // The real command runs on the model as it was, never on top of the trial.
     busy_ = true;
     session_->withdraw();
-    const CommandResult result = run_ ? run_(*record) : stack_.execute(*record);
+    const CommandResult result = runSteps(*before, *record);
     busy_ = false;
     if (!form_) return result.ok;
     if (result.ok) {
@@ -132,10 +182,27 @@ bool FormController::accept() {
     return false;
 }
 
+CommandResult FormController::runSteps(const std::vector<CommandRecord>& before,
+                                       const CommandRecord& record) {
+    const auto run = [this](const CommandRecord& r) { return run_ ? run_(r) : stack_.execute(r); };
+    if (before.empty()) return run(record);
+    // One step to undo; when a later command fails, what ran before it is taken back.
+    const std::size_t steps = stack_.undoCount();
+    stack_.beginGroup();
+    CommandResult result = CommandResult::success();
+    for (const CommandRecord& step : before)
+        if (result = run(step); !result.ok) break;
+    if (result.ok) result = run(record);
+    stack_.endGroup();
+    if (!result.ok && stack_.undoCount() > steps) stack_.undo();
+    return result;
+}
+
 void FormController::refresh() {
     if (!form_ || busy_) return;
     // An edit whose feature went (undone, deleted) has nothing left to edit.
-    if (session_->isEditing() && !stack_.document().find(session_->handle()->featureId)) {
+    if (session_->isEditing() && !session_->handle()->featureId.empty() &&
+        !stack_.document().find(session_->handle()->featureId)) {
         close();
         return;
     }
@@ -150,22 +217,10 @@ void FormController::update() {
     FeatureForm& form = *form_;
     const QString before = form.message();
     const bool beforeError = form.messageIsError();
-    form.revalidate();
-    form.showMessage({});
-    if (definition_.changed) definition_.changed(form);
-
-    const bool complete =
-        definition_.complete ? definition_.complete(form) : form.missingPrompt().isEmpty();
-    Result<CommandRecord> record = Error{};
-    if (complete && definition_.build) record = definition_.build(form);
-    form.setAcceptEnabled(complete && record.ok());
-    if (!complete) {
-        // Nothing to show yet: the model stays as it is, the prompt says what's missing.
+    Result<CommandRecord> record = checkForm(definition_, form);
+    if (!record) {
+        // Nothing to show: the model stays as it is, the message says why.
         session_->withdraw();
-        if (form.message().isEmpty()) form.showMessage(form.missingPrompt());
-    } else if (!record) {
-        session_->withdraw();
-        form.showMessage(QString::fromStdString(record.error()), true);
     } else if (session_->isEditing()) {
         const CommandResult tried = session_->tryEdit(*record);
         if (!tried.ok) form.setAcceptEnabled(false);
@@ -213,7 +268,7 @@ void FormController::pickRowChanged(const QString& key) {
     }
     picking_ = true;
     picker_.activate(rule->kinds, [this](const std::vector<std::string>& references) {
-        if (form_) form_->picked(references);
+        if (form_) form_->picked(references, picker_.lastPressPoint());
     });
 }
 

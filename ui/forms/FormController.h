@@ -51,9 +51,11 @@ public:
 
     void setSelectionProvider(SelectionProvider provider);
 
-    // "Extrude" or "Box"; false for a feature that has no form.
+    // "Extrude", "Box", "Fillet", "Chamfer", "Shell", "Hole" or "Thread", starting from
+    // what is selected; false for a feature that has no form.
     bool openFeatureForm(const QString& featureName);
-    // The edit form of an existing feature (extrudes so far); false when there is none.
+    // The edit form of an existing extrude, fillet, chamfer, shell, hole or thread;
+    // false when there is none.
     bool openEditForm(const std::string& featureId);
     // Any form; an open one is cancelled first.
     void open(FormDefinition definition);
@@ -87,6 +89,8 @@ protected:
 private:
     // changed, then complete and build, then the preview or the trial edit.
     void update();
+    // The form's commands: those it needs first, then its own, as one step.
+    CommandResult runSteps(const std::vector<CommandRecord>& before, const CommandRecord& record);
     void close();
     void pickRowChanged(const QString& key);
     void showMessage(const QString& text, bool error);

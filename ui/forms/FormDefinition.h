@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace cad::ui {
 
@@ -19,6 +20,8 @@ struct FormDefinition {
     QString icon;
     QString title;
     QString primaryText = QStringLiteral("OK");
+    // The card's object name, for panels styled on their own ("filletPanel").
+    QString objectName = QStringLiteral("featureForm");
 
     // Adds the rows, fills the defaults, takes what fits from the selection.
     std::function<void(FeatureForm&)> setup;
@@ -28,10 +31,19 @@ struct FormDefinition {
     std::function<bool(FeatureForm&)> complete;
     // The command the form runs; an error disables OK and shows in the message line.
     std::function<Result<CommandRecord>(FeatureForm&)> build;
+    // Commands OK runs before the built one, in the same step to undo (the sketch that
+    // holes clicked on a face go on); made when OK is pressed.
+    std::function<Result<std::vector<CommandRecord>>(FeatureForm&)> before;
     // A new feature's shape while the form is filled in (none when unset).
     std::function<Result<FormPreview>(FeatureForm&)> preview;
-    // A live edit of an existing feature, tried on the model as the form changes.
+    // A live trial on the model as the form changes: the edit of an existing feature,
+    // or a new feature tried on its body.
     std::function<std::optional<FormSession::Handle>(FeatureForm&)> session;
 };
+
+// One check of the form, as every change makes it: the rows evaluate again, `changed`
+// runs, then `complete` and `build`. An incomplete form shows what is missing, a build
+// error shows in red; either disables OK. Returns the command when there is one.
+Result<CommandRecord> checkForm(const FormDefinition& definition, FeatureForm& form);
 
 } // namespace cad::ui

@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -30,6 +31,11 @@ struct PickRule {
     // Turns a clicked reference into the one the row keeps (a sketch curve into its
     // whole sketch, say), or a sentence saying why it can't be used. Kept as is when unset.
     std::function<Result<std::string>(const std::string&)> accept;
+    // The same for a click that comes with the model point it hit (a face clicked
+    // where a hole goes); used instead of `accept` when set and the point is known.
+    std::function<Result<std::string>(const std::string&, const std::array<double, 3>&)> acceptAt;
+    // What a kept reference reads as in the row; the reference's usual label when unset.
+    std::function<QString(const std::string&)> label;
 };
 
 } // namespace cad::ui

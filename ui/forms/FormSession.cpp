@@ -3,6 +3,7 @@
 #include "ui/forms/FormSession.h"
 
 #include "core/CommandStack.h"
+#include "core/Document.h"
 #include "rendering/Viewport.h"
 #include "ui/presentation/Tessellation.h"
 
@@ -50,15 +51,36 @@ void FormSession::showPreview(const FormPreview& preview) {
 
 CommandResult FormSession::tryEdit(const CommandRecord& record) {
     removePresentation();
+    withdraw();
+    countersBefore_ = stack_.document().idCounters();
     CommandResult result = stack_.tryOut(record);
     trying_ = result.ok;
+    countersTried_ = stack_.document().idCounters();
     return result;
 }
 
 void FormSession::withdraw() {
     removePresentation();
-    if (trying_) stack_.withdrawTrial();
+    if (!trying_) return;
     trying_ = false;
+    Document& document = stack_.document();
+    if (stack_.withdrawTrial()) {
+        document.setIdCounters(countersBefore_);
+        return;
+    }
+    // Another command withdrew the trial before it ran: the names that command took
+    // stay taken, the ones only the trial counted are free again.
+    std::map<std::string, int> counters = document.idCounters();
+    for (const auto& [prefix, tried] : countersTried_) {
+        auto now = counters.find(prefix);
+        if (now == counters.end() || now->second != tried) continue;
+        auto before = countersBefore_.find(prefix);
+        if (before == countersBefore_.end())
+            counters.erase(now);
+        else
+            now->second = before->second;
+    }
+    document.setIdCounters(std::move(counters));
 }
 
 void FormSession::removePresentation() {

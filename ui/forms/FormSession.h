@@ -1,7 +1,8 @@
 // The live preview of what an open form would do. A new feature's form draws the
-// shape it would make as a translucent presentation over the model; a form that
-// edits an existing feature tries its edit command on the model itself, outside the
-// history, and withdraws it unless OK runs it for real.
+// shape it would make as a translucent presentation over the model, or tries its
+// command on the body; a form that edits an existing feature tries its edit command
+// on the model itself. Trials stay outside the history and are withdrawn unless OK
+// runs the command for real.
 #pragma once
 
 #include "core/Command.h"
@@ -10,6 +11,7 @@
 #include <AIS_Shape.hxx>
 #include <TopoDS_Shape.hxx>
 
+#include <map>
 #include <optional>
 #include <string>
 
@@ -30,7 +32,8 @@ struct FormPreview {
 
 class FormSession {
 public:
-    // A live edit of an existing feature.
+    // A live trial: the feature edited, or the body a new feature is tried on. The
+    // form has nothing left to do once that object is gone.
     struct Handle {
         std::string featureId;
     };
@@ -65,6 +68,9 @@ private:
     std::optional<Handle> handle_;
     opencascade::handle<AIS_Shape> presentation_;
     bool trying_ = false;
+    // The document's ID counters before and just after the trial: a withdrawn
+    // "Fillet1" leaves the name free for the real one.
+    std::map<std::string, int> countersBefore_, countersTried_;
 };
 
 } // namespace cad::ui

@@ -9,6 +9,7 @@
 #include "ui/presentation/OriginPresentation.h"
 #include "ui/presentation/SketchPresentation.h"
 #include "ui/presentation/Tessellation.h"
+#include "ui/presentation/ThreadPresentation.h"
 
 #include <AIS_ColoredShape.hxx>
 #include <AIS_DisplayMode.hxx>
@@ -60,6 +61,8 @@ struct DocumentPresenter::Impl {
     struct Entry {
         Kind kind = Kind::Body;
         std::vector<Handle(AIS_InteractiveObject)> parts;
+        // A body's cosmetic threads: drawn with it, never picked.
+        std::vector<Handle(AIS_InteractiveObject)> marks;
     };
 
     explicit Impl(rendering::Viewport& v) : viewport(v) {}
@@ -124,7 +127,28 @@ struct DocumentPresenter::Impl {
             owners.erase(part.get());
             if (ctx) ctx->Remove(part, false);
         }
+        removeMarks(ctx, it->second);
         presentations.erase(it);
+    }
+
+    static void removeMarks(const Handle(AIS_InteractiveContext) & ctx, Entry& entry) {
+        if (ctx)
+            for (const Handle(AIS_InteractiveObject) & mark : entry.marks) ctx->Remove(mark, false);
+        entry.marks.clear();
+    }
+
+    // The body's cosmetic threads drawn again: a thread's edit leaves the shape alone.
+    void rebuildMarks(const GeometryObject& body, Entry& entry) {
+        const Handle(AIS_InteractiveContext) ctx = context();
+        removeMarks(ctx, entry);
+        if (!document) return;
+        std::vector<CosmeticThread> inside, outside;
+        for (CosmeticThread& thread : cosmeticThreads(*document, body))
+            (thread.internal ? inside : outside).push_back(std::move(thread));
+        for (const auto& [threads, internal] :
+             {std::pair{&inside, true}, std::pair{&outside, false}})
+            if (const TopoDS_Shape marks = threadMarks(*threads); !marks.IsNull())
+                entry.marks.push_back(makeThreadPresentation(marks, internal));
     }
 
     // Builds or updates the presentation of a body or sketch; true when it has one.
@@ -137,11 +161,13 @@ struct DocumentPresenter::Impl {
             }
             auto it = presentations.find(object.id);
             if (it == presentations.end()) {
-                Entry entry{Kind::Body, {makeBodyPresentation(body->shape.shape())}};
+                Entry entry{Kind::Body, {makeBodyPresentation(body->shape.shape())}, {}};
                 owners[entry.parts.front().get()] = object.id;
+                rebuildMarks(*body, entry);
                 presentations.emplace(object.id, std::move(entry));
                 return true;
             }
+            rebuildMarks(*body, it->second);
             auto shape = Handle(AIS_ColoredShape)::DownCast(it->second.parts.front());
             // A change that left the shape alone (visibility, label) redraws nothing.
             if (shape->Shape().IsEqual(body->shape.shape())) return true;
@@ -154,7 +180,7 @@ struct DocumentPresenter::Impl {
         if (auto* sketch = dynamic_cast<SketchObject*>(&object)) {
             auto it = presentations.find(object.id);
             if (it == presentations.end()) {
-                Entry entry{Kind::Sketch, {}};
+                Entry entry{Kind::Sketch, {}, {}};
                 for (const Handle(SketchPartPresentation) & part : makeSketchParts(*sketch)) {
                     owners[part.get()] = object.id;
                     entry.parts.push_back(part);
@@ -201,6 +227,12 @@ struct DocumentPresenter::Impl {
                     show(ctx, entry.kind, part);
                 else if (ctx->IsDisplayed(part))
                     ctx->Erase(part, false);
+            }
+            for (const Handle(AIS_InteractiveObject) & mark : entry.marks) {
+                if (visible && !ctx->IsDisplayed(mark))
+                    ctx->Display(mark, AIS_WireFrame, -1, false); // never picked
+                else if (!visible && ctx->IsDisplayed(mark))
+                    ctx->Erase(mark, false);
             }
         }
         refreshOrigin(ctx);
@@ -404,6 +436,13 @@ std::string DocumentPresenter::originItemOf(const Handle(AIS_InteractiveObject) 
     for (const OriginItem& item : impl_->origin)
         if (item.presentation == presentation) return item.name;
     return {};
+}
+
+std::vector<Handle(AIS_InteractiveObject)>
+DocumentPresenter::threadMarksOf(const std::string& id) const {
+    auto it = impl_->presentations.find(id);
+    return it == impl_->presentations.end() ? std::vector<Handle(AIS_InteractiveObject)>()
+                                            : it->second.marks;
 }
 
 Bnd_Box DocumentPresenter::shownBodiesBox() const {

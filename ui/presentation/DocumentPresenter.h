@@ -1,6 +1,7 @@
 // Keeps one OpenCASCADE presentation per visible document object in the 3D view,
 // following the document through its observer: bodies shaded with their face
-// boundaries, sketches as wires and points, the origin's planes and axes.
+// boundaries and their cosmetic threads marked, sketches as wires and points, the
+// origin's planes and axes.
 #pragma once
 
 #include "core/DocumentObserver.h"
@@ -73,6 +74,9 @@ public:
     Handle(AIS_InteractiveObject) presentationOf(const std::string& id) const;
     std::string objectOf(const Handle(SelectMgr_EntityOwner) & owner) const;
     std::string objectOf(const Handle(AIS_InteractiveObject) & presentation) const;
+    // The marks of a body's cosmetic threads (inside holes, outside on bosses); none
+    // when it has no cosmetic thread.
+    std::vector<Handle(AIS_InteractiveObject)> threadMarksOf(const std::string& id) const;
     // The origin item ("XY", "X", "Origin", ...) a presentation shows; empty otherwise.
     std::string originItemOf(const Handle(AIS_InteractiveObject) & presentation) const;
 

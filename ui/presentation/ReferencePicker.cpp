@@ -57,6 +57,7 @@ struct ReferencePicker::Impl {
     struct Found {
         PickCandidate candidate;
         TopoDS_Shape shape;
+        gp_Pnt point; // where the eye ray met it
     };
 
     Impl(rendering::Viewport& v, DocumentPresenter& p) : viewport(v), presenter(p) {}
@@ -85,7 +86,7 @@ struct ReferencePicker::Impl {
         const auto object = Handle(AIS_InteractiveObject)::DownCast(owner->Selectable());
         const auto brep = Handle(StdSelect_BRepOwner)::DownCast(owner);
         if (object.IsNull() || brep.IsNull() || !brep->HasShape()) return std::nullopt;
-        Found found{{}, brep->Shape()};
+        Found found{{}, brep->Shape(), {}};
         found.candidate.depth = depth;
         if (std::string item = presenter.originItemOf(object); !item.empty()) {
             found.candidate.kind = kindOfOriginItem(item);
@@ -136,8 +137,10 @@ struct ReferencePicker::Impl {
                        static_cast<int>(position.y() * ratio), viewport.view());
         for (int i = 1; i <= selector->NbPicked(); ++i)
             if (auto found = candidateOf(selector->Picked(i), selector->PickedData(i).Depth);
-                found && (found->candidate.kind & accepted))
+                found && (found->candidate.kind & accepted)) {
+                found->point = selector->PickedPoint(i);
                 out.push_back(std::move(*found));
+            }
         for (const auto& [object, mode] : turnedOn) ctx->Deactivate(object, mode);
 
         std::stable_sort(out.begin(), out.end(), [](const Found& a, const Found& b) {
@@ -201,6 +204,7 @@ struct ReferencePicker::Impl {
     Handle(AIS_Shape) hover;
     std::vector<std::string> hoverGroup; // what `hover` shows
     TopoDS_Shape hoverShape;
+    std::optional<std::array<double, 3>> pressPoint;
 };
 
 ReferencePicker::ReferencePicker(rendering::Viewport& viewport, DocumentPresenter& presenter)
@@ -242,15 +246,25 @@ std::vector<PickCandidate> ReferencePicker::candidatesAt(QPointF position) const
 
 const QString& ReferencePicker::hintText() const { return impl_->hint; }
 
+std::optional<std::array<double, 3>> ReferencePicker::lastPressPoint() const {
+    return impl_->pressPoint;
+}
+
 bool ReferencePicker::mousePress(QPointF position, Qt::KeyboardModifiers modifiers) {
     if (!impl_->active || !impl_->document) return false;
     const std::vector<Impl::Found> found = impl_->findAt(position);
+    impl_->pressPoint.reset();
     if (found.empty()) return false;
+    const gp_Pnt& hit = found.front().point;
+    impl_->pressPoint = std::array<double, 3>{hit.X(), hit.Y(), hit.Z()};
     const std::string& best = found.front().candidate.reference;
     std::vector<std::string> references = (modifiers & Qt::ShiftModifier)
                                               ? std::vector<std::string>{best}
                                               : expandReference(*impl_->document, best);
-    // The owner may deactivate or even delete the picker from its callback.
+    // What was hovered may change with the pick (a fillet tried on the edge), so the
+    // highlight waits for the next move. The owner may deactivate or even delete the
+    // picker from its callback.
+    impl_->clearHover();
     auto picked = impl_->picked;
     if (picked) picked(references);
     return true;

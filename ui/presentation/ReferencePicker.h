@@ -10,9 +10,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -70,6 +72,9 @@ public:
     // The candidates under a widget point, nearest first, of the accepted kinds.
     std::vector<PickCandidate> candidatesAt(QPointF position) const;
     const QString& hintText() const;
+    // The model point the last press hit on the candidate it took; none before the
+    // first press, or when the press took nothing.
+    std::optional<std::array<double, 3>> lastPressPoint() const;
 
     bool mousePress(QPointF position, Qt::KeyboardModifiers modifiers) override;
     void mouseMove(QPointF position, Qt::KeyboardModifiers modifiers) override;
