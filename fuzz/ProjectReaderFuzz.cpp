@@ -4,6 +4,7 @@
 #include "geometry/GeometryTypes.h"
 #include "geometry/holes/HoleTypes.h"
 #include "geometry/param/ParamTypes.h"
+#include "geometry/patterns/PatternCommands.h"
 #include "sketch/SketchJson.h"
 
 #include <cstddef>
@@ -15,6 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         cad::registerSketchTypes(t);
         cad::registerGeometryTypes(t);
         cad::registerHoleTypes(t);
+        cad::registerPatternTypes(t);
         cad::registerParamTypes(t);
         return t;
     }();

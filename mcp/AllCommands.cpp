@@ -12,6 +12,7 @@
 #include "geometry/holes/HoleTypes.h"
 #include "geometry/param/ParamCommands.h"
 #include "geometry/param/ParamTypes.h"
+#include "geometry/patterns/PatternCommands.h"
 #include "sketch/SketchCommands.h"
 #include "sketch/SketchJson.h"
 
@@ -60,6 +61,8 @@ void registerAllCommands(CommandRegistry& registry) {
     CommandRegistry scratch;
     registerGeometryCommands(scratch);
     registerHoleCommands(scratch);
+    // Adds the pattern kinds, so it goes before the parametric commands.
+    registerPatternCommands(scratch);
     registerParamCommands(scratch);
     registerHistoryCommands(scratch);
     registerSketchCommands(scratch);
@@ -85,6 +88,7 @@ void registerAllTypes(ObjectTypes& types) {
     registerSketchTypes(types);
     registerGeometryTypes(types);
     registerHoleTypes(types);
+    registerPatternTypes(types); // adds the kinds: before the parametric records
     registerParamTypes(types);
 }
 

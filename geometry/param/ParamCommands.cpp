@@ -10,6 +10,8 @@ namespace cad {
 
 void registerParamCommands(CommandRegistry& registry) {
     for (const ParamFeatureType& type : paramFeatureTypes().all()) {
+        // A kind made by another command (PatternBody, by pattern_bodies) has none of its own.
+        if (type.command.empty()) continue;
         const std::string typeId = type.typeId;
         if (!registry.find(type.command))
             registry.add(type.command, type.description, toArgSpecs(commandArguments(type)),

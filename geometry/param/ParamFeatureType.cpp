@@ -21,7 +21,7 @@ bool hasKey(const FeatureArguments& table, std::string_view key) {
 } // namespace
 
 bool ParamFeatureTypes::add(ParamFeatureType type) {
-    if (find(type.typeId) || findByCommand(type.command)) return false;
+    if (find(type.typeId) || (!type.command.empty() && findByCommand(type.command))) return false;
     types_.push_back(std::move(type));
     return true;
 }
