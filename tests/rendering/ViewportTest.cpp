@@ -273,8 +273,12 @@ TEST_F(ViewportTest, LeftClickOnCubeFaceTurnsToItThroughTheFront) {
     viewport->goHome(false);
     settle();
     click();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return near(direction(), gp_Dir(0, 0, -1), 1e-4); }, 3000));
-    EXPECT_TRUE(near(up(), gp_Dir(-1, 0, 0), 1e-4))
+    // The turn ends when both the direction and the up vector have arrived.
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            return near(direction(), gp_Dir(0, 0, -1), 1e-4) && near(up(), gp_Dir(-1, 0, 0), 1e-4);
+        },
+        3000))
         << up().X() << " " << up().Y() << " " << up().Z();
 }
 
