@@ -24,22 +24,22 @@ const geometry::NamedShape* shapeBefore(const Document& document, const Geometry
 
 void addHoleThreads(const Document& document, const GeometryObject& body, const HoleFeature& hole,
                     std::vector<CosmeticThread>& out) {
-    Result<HoleSpec> spec = resolveHoleSpec(hole.options);
-    if (!spec || !spec->tapped || spec->modeled) return;
+    Result<ResolvedHole> drill = resolveHole(hole.options);
+    if (!drill || !drill->tapped || drill->modeled) return;
     const geometry::NamedShape* before = shapeBefore(document, body, hole);
     Result<std::vector<HoleFeature::Placement>> places = hole.placements(document);
     if (before->isNull() || !places) return;
     for (const HoleFeature::Placement& place : *places) {
         const double depth =
-            spec->through ? throughDepth(before->shape(), place.axis, *spec) : spec->depth;
+            drill->through ? throughDepth(before->shape(), place.axis, *drill) : drill->depth;
         CosmeticThread t;
         t.feature = hole.id;
         t.axis = gp_Ax1(
-            place.axis.Location().Translated(gp_Vec(place.axis.Direction()) * wallStart(*spec)),
+            place.axis.Location().Translated(gp_Vec(place.axis.Direction()) * wallStart(*drill)),
             place.axis.Direction());
-        t.radius = spec->threadMajor / 2;
-        t.pitch = spec->threadPitch;
-        t.length = holeThreadLength(*spec, depth);
+        t.radius = drill->threadMajor / 2;
+        t.pitch = drill->threadPitch;
+        t.length = holeThreadLength(*drill, depth);
         t.internal = true;
         out.push_back(t);
     }

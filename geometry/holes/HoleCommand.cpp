@@ -197,8 +197,8 @@ CommandResult HoleCommand::firstRun(Document& document) {
 
     auto feature = std::make_unique<HoleFeature>();
     changes_.applyTo(*feature);
-    if (Result<HoleSpec> spec = resolveHoleSpec(feature->options); !spec)
-        return CommandResult::failure(spec.error());
+    if (Result<ResolvedHole> drill = resolveHole(feature->options); !drill)
+        return CommandResult::failure(drill.error());
     if (feature->points.empty() && !sketchHolePoints(*sketch, {}))
         return CommandResult::failure("There's nowhere to put a hole: the sketch has no points.");
     if (auto found = sketchHolePoints(*sketch, feature->points); !found)
@@ -246,8 +246,8 @@ CommandResult EditHoleCommand::execute(Document& document) {
     if (!hole) return CommandResult::failure("No hole named '" + featureName_ + "' exists.");
     HoleFeature changed = *hole;
     changes_.applyTo(changed);
-    if (Result<HoleSpec> spec = resolveHoleSpec(changed.options); !spec)
-        return CommandResult::failure(spec.error());
+    if (Result<ResolvedHole> drill = resolveHole(changed.options); !drill)
+        return CommandResult::failure(drill.error());
     if (!document.bodyOfFeature(hole->id))
         return CommandResult::failure(hole->id + " doesn't belong to a body.");
 

@@ -86,9 +86,9 @@ double volumeOf(const TopoDS_Shape& shape) {
 
 Result<NamedShape> HoleFeature::apply(const NamedShape& input, const Document& document) const {
     if (input.isNull()) return fail("Holes need a body to cut into.");
-    Result<HoleSpec> spec = resolveHoleSpec(options);
-    if (!spec) return Error(spec);
-    if (Result<void> ok = checkHoleSpec(*spec); !ok) return Error(ok);
+    Result<ResolvedHole> drill = resolveHole(options);
+    if (!drill) return Error(drill);
+    if (Result<void> ok = checkResolvedHole(*drill); !ok) return Error(ok);
     Result<std::vector<Placement>> places = placements(document);
     if (!places) return Error(places);
     if (places->empty()) return fail("There's nowhere to put a hole: the sketch has no points.");
@@ -100,11 +100,11 @@ Result<NamedShape> HoleFeature::apply(const NamedShape& input, const Document& d
         NamedShape tools;
         for (const Placement& place : *places) {
             const double depth =
-                spec->through ? throughDepth(input.shape(), place.axis, *spec) : spec->depth;
-            Result<NamedShape> tool = holeTool(*spec, place.axis, depth, id);
+                drill->through ? throughDepth(input.shape(), place.axis, *drill) : drill->depth;
+            Result<NamedShape> tool = holeTool(*drill, place.axis, depth, id);
             if (!tool) return tool;
-            if (spec->modeled) {
-                tool = threadedHoleTool(*tool, *spec, place.axis, depth, id, place.point);
+            if (drill->modeled) {
+                tool = threadedHoleTool(*tool, *drill, place.axis, depth, id, place.point);
                 if (!tool) return tool;
             }
             builder.Add(all, tool->shape());
@@ -120,9 +120,9 @@ Result<NamedShape> HoleFeature::apply(const NamedShape& input, const Document& d
 
         Result<NamedShape> cut = geometry::shapeBoolean(
             input, tools, geometry::BooleanKind::Cut, geometry::kKernelAttemptLimit,
-            spec->modeled ? geometry::MergeFaces::No : geometry::MergeFaces::Yes);
+            drill->modeled ? geometry::MergeFaces::No : geometry::MergeFaces::Yes);
         if (!cut) return cut;
-        if (spec->modeled && std::abs(volumeOf(cut->shape()) - volumeOf(input.shape())) <= 1e-6)
+        if (drill->modeled && std::abs(volumeOf(cut->shape()) - volumeOf(input.shape())) <= 1e-6)
             return fail("The thread couldn't be cut into the hole.");
         return cut;
     } catch (const Standard_Failure&) {

@@ -4,7 +4,7 @@
 
 #include "core/DocumentObject.h"
 #include "core/NamedShape.h"
-#include "geometry/holes/HoleSpec.h"
+#include "geometry/holes/ResolvedHole.h"
 #include "sketch/SketchEntity.h"
 
 #include <gp_Ax1.hxx>

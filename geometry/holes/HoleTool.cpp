@@ -39,7 +39,7 @@ double halfAngleTan(double includedDegrees) {
     return std::tan(includedDegrees / 2 * std::numbers::pi / 180);
 }
 
-bool pointed(const HoleSpec& s) { return !s.through && s.tipAngle != 0; }
+bool pointed(const ResolvedHole& s) { return !s.through && s.tipAngle != 0; }
 
 int count(const TopoDS_Shape& shape, TopAbs_ShapeEnum type) {
     int n = 0;
@@ -71,7 +71,7 @@ const char* nearest(double value, const std::vector<std::pair<double, const char
 }
 
 // Planes by their depth, cylinders by their radius, cones by their apex.
-std::string roleOf(const TopoDS_Face& face, const HoleSpec& s, const gp_Ax1& axis, double depth) {
+std::string roleOf(const TopoDS_Face& face, const ResolvedHole& s, const gp_Ax1& axis, double depth) {
     BRepAdaptor_Surface surface(face, Standard_False);
     switch (surface.GetType()) {
     case GeomAbs_Plane: {
@@ -97,7 +97,7 @@ std::string roleOf(const TopoDS_Face& face, const HoleSpec& s, const gp_Ax1& axi
 
 } // namespace
 
-double throughDepth(const TopoDS_Shape& body, const gp_Ax1& axis, const HoleSpec& spec) {
+double throughDepth(const TopoDS_Shape& body, const gp_Ax1& axis, const ResolvedHole& drill) {
     Bnd_Box box;
     BRepBndLib::Add(body, box);
     double farthest = 0;
@@ -110,15 +110,15 @@ double throughDepth(const TopoDS_Shape& body, const gp_Ax1& axis, const HoleSpec
                 for (double cz : z)
                     farthest = std::max(farthest, depthOf(axis, gp_Pnt(cx, cy, cz)));
     }
-    return farthest + 1 + (spec.modeled ? 2 * spec.threadPitch : 0);
+    return farthest + 1 + (drill.modeled ? 2 * drill.threadPitch : 0);
 }
 
-double holeThreadLength(const HoleSpec& spec, double depth) {
-    const double available = depth - wallStart(spec);
-    return spec.threadLength > 0 ? std::min(spec.threadLength, available) : available;
+double holeThreadLength(const ResolvedHole& drill, double depth) {
+    const double available = depth - wallStart(drill);
+    return drill.threadLength > 0 ? std::min(drill.threadLength, available) : available;
 }
 
-Result<NamedShape> holeTool(const HoleSpec& s, const gp_Ax1& axis, double depth,
+Result<NamedShape> holeTool(const ResolvedHole& s, const gp_Ax1& axis, double depth,
                             std::string_view feature) {
     const double r = s.diameter / 2;
     const double wall = wallStart(s);
@@ -168,7 +168,7 @@ Result<NamedShape> holeTool(const HoleSpec& s, const gp_Ax1& axis, double depth,
     }
 }
 
-Result<NamedShape> threadedHoleTool(const NamedShape& tool, const HoleSpec& s, const gp_Ax1& axis,
+Result<NamedShape> threadedHoleTool(const NamedShape& tool, const ResolvedHole& s, const gp_Ax1& axis,
                                     double depth, std::string_view feature,
                                     std::string_view point) {
     const double length = holeThreadLength(s, depth);

@@ -103,21 +103,21 @@ bool isNumeric(Kind kind) {
 }
 
 ArgSpec toArgSpec(const FeatureArgument& argument) {
-    ArgSpec spec;
-    spec.name = argument.key;
-    spec.type = argTypeOf(argument.kind);
-    spec.required = argument.required;
-    spec.description = argument.description;
-    if (argument.kind == Kind::Choice) spec.choices = argument.choices;
-    spec.refersTo = argument.refersTo;
-    return spec;
+    ArgSpec declared;
+    declared.name = argument.key;
+    declared.type = argTypeOf(argument.kind);
+    declared.required = argument.required;
+    declared.description = argument.description;
+    if (argument.kind == Kind::Choice) declared.choices = argument.choices;
+    declared.refersTo = argument.refersTo;
+    return declared;
 }
 
 std::vector<ArgSpec> toArgSpecs(const FeatureArguments& arguments) {
-    std::vector<ArgSpec> specs;
-    specs.reserve(arguments.size());
-    for (const FeatureArgument& argument : arguments) specs.push_back(toArgSpec(argument));
-    return specs;
+    std::vector<ArgSpec> declared;
+    declared.reserve(arguments.size());
+    for (const FeatureArgument& argument : arguments) declared.push_back(toArgSpec(argument));
+    return declared;
 }
 
 Result<nlohmann::json> readFeatureValues(const CommandRecord& record, const FeatureArguments& table,

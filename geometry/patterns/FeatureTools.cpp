@@ -24,9 +24,9 @@ bool isProfileKind(const std::string& typeId) {
 // Every hole of the feature, one tool each, as the feature itself drills them.
 Result<FeatureTool> holeTools(const Document& document, const HoleFeature& hole,
                               const NamedShape& body) {
-    Result<HoleSpec> spec = resolveHoleSpec(hole.options);
-    if (!spec) return Error(spec);
-    if (Result<void> ok = checkHoleSpec(*spec); !ok) return Error(ok);
+    Result<ResolvedHole> drill = resolveHole(hole.options);
+    if (!drill) return Error(drill);
+    if (Result<void> ok = checkResolvedHole(*drill); !ok) return Error(ok);
     Result<std::vector<HoleFeature::Placement>> places = hole.placements(document);
     if (!places) return Error(places);
     if (places->empty()) return fail("There's nowhere to put a hole: the sketch has no points.");
@@ -35,11 +35,11 @@ Result<FeatureTool> holeTools(const Document& document, const HoleFeature& hole,
     const TopoDS_Shape& into = before && !before->isNull() ? before->shape() : body.shape();
     std::vector<NamedShape> tools;
     for (const HoleFeature::Placement& place : *places) {
-        const double depth = spec->through ? throughDepth(into, place.axis, *spec) : spec->depth;
-        Result<NamedShape> tool = holeTool(*spec, place.axis, depth, hole.id);
+        const double depth = drill->through ? throughDepth(into, place.axis, *drill) : drill->depth;
+        Result<NamedShape> tool = holeTool(*drill, place.axis, depth, hole.id);
         if (!tool) return Error(tool);
-        if (spec->modeled) {
-            tool = threadedHoleTool(*tool, *spec, place.axis, depth, hole.id, place.point);
+        if (drill->modeled) {
+            tool = threadedHoleTool(*tool, *drill, place.axis, depth, hole.id, place.point);
             if (!tool) return Error(tool);
         }
         tools.push_back(std::move(tool).value());

@@ -20,11 +20,11 @@ constexpr const char* kNoReferences =
 
 std::vector<ArgSpec> PlaneCommand::arguments(Mode mode) {
     using T = ArgType;
-    std::vector<ArgSpec> specs;
+    std::vector<ArgSpec> declared;
     if (mode == Mode::Edit)
-        specs.push_back({"plane", T::String, true, "e.g. \"Plane1\".", {}, "plane"});
-    specs.insert(
-        specs.end(),
+        declared.push_back({"plane", T::String, true, "e.g. \"Plane1\".", {}, "plane"});
+    declared.insert(
+        declared.end(),
         {
             {"kind", T::String, false,
              "offset: from a plane or flat face by distance. angle: about a line (references[0]) "
@@ -57,8 +57,8 @@ std::vector<ArgSpec> PlaneCommand::arguments(Mode mode) {
              ""},
         });
     if (mode == Mode::Add)
-        specs.push_back({"name", T::Text, false, "Plane name (default PlaneN).", {}, ""});
-    return specs;
+        declared.push_back({"name", T::Text, false, "Plane name (default PlaneN).", {}, ""});
+    return declared;
 }
 
 Result<std::unique_ptr<Command>> PlaneCommand::create(Mode mode, const CommandRecord& record) {

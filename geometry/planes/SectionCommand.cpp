@@ -19,10 +19,10 @@ constexpr const char* kNoPlane =
 
 std::vector<ArgSpec> SectionCommand::arguments(Mode mode) {
     using T = ArgType;
-    std::vector<ArgSpec> specs;
+    std::vector<ArgSpec> declared;
     if (mode == Mode::Edit)
-        specs.push_back({"section", T::String, true, "e.g. \"Section1\".", {}, "section"});
-    specs.insert(specs.end(),
+        declared.push_back({"section", T::String, true, "e.g. \"Section1\".", {}, "section"});
+    declared.insert(declared.end(),
                  {
                      {"references",
                       T::String,
@@ -52,8 +52,8 @@ std::vector<ArgSpec> SectionCommand::arguments(Mode mode) {
                      {"flip", T::Boolean, false, "Cut away the other side.", {}, ""},
                  });
     if (mode == Mode::Add)
-        specs.push_back({"name", T::Text, false, "Section name (default SectionN).", {}, ""});
-    return specs;
+        declared.push_back({"name", T::Text, false, "Section name (default SectionN).", {}, ""});
+    return declared;
 }
 
 Result<std::unique_ptr<Command>> SectionCommand::create(Mode mode, const CommandRecord& record) {

@@ -1,6 +1,6 @@
 // The thread size table and what holes take from it: lookups by typed name, the
-// derived drills and counterbores, matching a diameter, and the hole spec's refusals.
-#include "geometry/holes/HoleSpec.h"
+// derived drills and counterbores, matching a diameter, and what resolving a hole refuses.
+#include "geometry/holes/ResolvedHole.h"
 #include "geometry/holes/ThreadSizes.h"
 
 #include <gtest/gtest.h>
@@ -80,62 +80,62 @@ TEST(ThreadSizes, DiametersMatchTheNearestStandardWithinThreePercent) {
               "No standard thread fits a 0.123 mm hole; give a size.");
 }
 
-TEST(HoleSpecs, SizesAndFitsPickTheDiameter) {
-    EXPECT_EQ(resolveHoleSpec(sized("M6"))->diameter, 5);
-    EXPECT_TRUE(resolveHoleSpec(sized("M6"))->tapped);
-    EXPECT_EQ(resolveHoleSpec(sized("M6", "close"))->diameter, 6.4);
-    EXPECT_FALSE(resolveHoleSpec(sized("M6", "close"))->tapped);
+TEST(ResolvedHoles, SizesAndFitsPickTheDiameter) {
+    EXPECT_EQ(resolveHole(sized("M6"))->diameter, 5);
+    EXPECT_TRUE(resolveHole(sized("M6"))->tapped);
+    EXPECT_EQ(resolveHole(sized("M6", "close"))->diameter, 6.4);
+    EXPECT_FALSE(resolveHole(sized("M6", "close"))->tapped);
     HoleOptions modeled = sized("M6");
     modeled.modeled = true;
-    EXPECT_NEAR(resolveHoleSpec(modeled)->diameter, 6 - 1.082532, 1e-12);
+    EXPECT_NEAR(resolveHole(modeled)->diameter, 6 - 1.082532, 1e-12);
 
     HoleOptions counterbore = sized("M5", "normal");
     counterbore.kind = "counterbore";
-    Result<HoleSpec> bored = resolveHoleSpec(counterbore);
+    Result<ResolvedHole> bored = resolveHole(counterbore);
     EXPECT_EQ(bored->counterboreDiameter, 10);
     EXPECT_EQ(bored->counterboreDepth, 5.4);
     EXPECT_EQ(wallStart(*bored), 5.4);
     counterbore.counterboreDepth = 3;
-    EXPECT_EQ(resolveHoleSpec(counterbore)->counterboreDepth, 3);
+    EXPECT_EQ(resolveHole(counterbore)->counterboreDepth, 3);
 
     HoleOptions plain;
     plain.diameter = 4;
     plain.kind = "countersink";
     plain.countersinkDiameter = 8;
-    Result<HoleSpec> sunk = resolveHoleSpec(plain);
+    Result<ResolvedHole> sunk = resolveHole(plain);
     EXPECT_EQ(sunk->countersinkAngle, 90);
     EXPECT_NEAR(wallStart(*sunk), 2, 1e-12); // 90°: as deep as the radius grows
     sunk->countersinkDiameter = 4;
-    EXPECT_EQ(checkHoleSpec(*sunk).error(),
+    EXPECT_EQ(checkResolvedHole(*sunk).error(),
               "The countersink must be wider than the hole, with an angle between 0° and 180°.");
 }
 
-TEST(HoleSpecs, RefusalsSayWhatIsMissing) {
+TEST(ResolvedHoles, RefusalsSayWhatIsMissing) {
     HoleOptions o = sized("M6");
     o.kind = "slot";
-    EXPECT_EQ(resolveHoleSpec(o).error(),
+    EXPECT_EQ(resolveHole(o).error(),
               "The hole type must be simple, counterbore or countersink.");
-    EXPECT_EQ(resolveHoleSpec(sized("M6x0.5")).error(),
+    EXPECT_EQ(resolveHole(sized("M6x0.5")).error(),
               "'M6x0.5' isn't a thread size I know (e.g. M6, M10x1.25, 1/4-20 UNC, #10-32 UNF).");
-    EXPECT_EQ(resolveHoleSpec(sized("M6", "snug")).error(),
+    EXPECT_EQ(resolveHole(sized("M6", "snug")).error(),
               "The fit must be tapped, close, normal or loose.");
-    EXPECT_EQ(resolveHoleSpec(HoleOptions{}).error(),
+    EXPECT_EQ(resolveHole(HoleOptions{}).error(),
               "Give a hole diameter, or a thread size such as M6.");
     HoleOptions bore;
     bore.diameter = 5;
     bore.kind = "counterbore";
     bore.counterboreDiameter = 9;
-    EXPECT_EQ(resolveHoleSpec(bore).error(),
+    EXPECT_EQ(resolveHole(bore).error(),
               "Give the counterbore's diameter and depth (or a thread size to take them from).");
     bore.kind = "countersink";
-    EXPECT_EQ(resolveHoleSpec(bore).error(),
+    EXPECT_EQ(resolveHole(bore).error(),
               "Give the countersink's diameter (or a thread size to take it from).");
     bore.kind = "simple";
     bore.depth = 0;
-    EXPECT_EQ(checkHoleSpec(*resolveHoleSpec(bore)).error(),
+    EXPECT_EQ(checkResolvedHole(*resolveHole(bore)).error(),
               "The hole depth must be greater than zero.");
     bore.through = true;
-    EXPECT_TRUE(checkHoleSpec(*resolveHoleSpec(bore)).ok());
+    EXPECT_TRUE(checkResolvedHole(*resolveHole(bore)).ok());
 }
 
 } // namespace cad

@@ -198,9 +198,9 @@ Result<FormPreview> previewHoles(const Document& document, const FeatureForm& f)
     CommandRecord ignored("hole");
     Result<HoleOptions> options = readOptionRows(f, ignored, false);
     if (!options) return Error(options);
-    Result<HoleSpec> spec = resolveHoleSpec(*options);
-    if (!spec) return Error(spec);
-    if (auto ok = checkHoleSpec(*spec); !ok) return Error(ok);
+    Result<ResolvedHole> drill = resolveHole(*options);
+    if (!drill) return Error(drill);
+    if (auto ok = checkResolvedHole(*drill); !ok) return Error(ok);
     Result<std::vector<gp_Ax1>> axes =
         holeAxes(document, *placement, f.flag(QStringLiteral("flip")));
     if (!axes) return Error(axes);
@@ -210,10 +210,10 @@ Result<FormPreview> previewHoles(const Document& document, const FeatureForm& f)
         TopoDS_Compound tools;
         builder.MakeCompound(tools);
         for (const gp_Ax1& axis : *axes) {
-            const double depth = spec->through && body && !body->shape.isNull()
-                                     ? throughDepth(body->shape.shape(), axis, *spec)
-                                     : spec->depth;
-            Result<geometry::NamedShape> tool = holeTool(*spec, axis, depth, "Hole");
+            const double depth = drill->through && body && !body->shape.isNull()
+                                     ? throughDepth(body->shape.shape(), axis, *drill)
+                                     : drill->depth;
+            Result<geometry::NamedShape> tool = holeTool(*drill, axis, depth, "Hole");
             if (!tool) return Error(tool);
             builder.Add(tools, tool->shape());
         }

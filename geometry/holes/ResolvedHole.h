@@ -27,7 +27,7 @@ struct HoleOptions {
     bool operator==(const HoleOptions&) const = default;
 };
 
-struct HoleSpec {
+struct ResolvedHole {
     std::string kind;
     double diameter = 0;
     double depth = 0;
@@ -43,14 +43,14 @@ struct HoleSpec {
 
 // Looks the size up and picks the diameter by the fit; refuses what can't make a
 // hole ("Give a hole diameter, or a thread size such as M6.").
-Result<HoleSpec> resolveHoleSpec(const HoleOptions& options);
+Result<ResolvedHole> resolveHole(const HoleOptions& options);
 
 // The checks a hole's shape needs: a diameter and depth, a counterbore or countersink
 // wider than the hole.
-Result<void> checkHoleSpec(const HoleSpec& spec);
+Result<void> checkResolvedHole(const ResolvedHole& drill);
 
 // How far below the face the full diameter starts: under the counterbore's floor or
 // where the countersink meets the hole, else at the face.
-double wallStart(const HoleSpec& spec);
+double wallStart(const ResolvedHole& drill);
 
 } // namespace cad
