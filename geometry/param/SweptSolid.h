@@ -1,11 +1,12 @@
 // What revolve, sweep and loft share: the faces a swept profile makes named F.start,
-// F.end and F.side.<edge>, touching pieces fused into one solid, and the check that
-// the result is one valid solid.
+// F.end and F.side.<edge> (joined by geometry/SweptPieces.h), and the check that the
+// result is one valid solid.
 #pragma once
 
 #include "core/NamedShape.h"
 #include "core/Result.h"
 #include "geometry/Profile.h"
+#include "geometry/SweptPieces.h"
 
 #include <BRepPrimAPI_MakeSweep.hxx>
 #include <TopoDS_Face.hxx>
@@ -16,12 +17,6 @@
 #include <vector>
 
 namespace cad::geometry {
-
-// One profile face swept into a solid, with the names of its faces.
-struct SweptPiece {
-    TopoDS_Shape solid;
-    std::vector<NamingEntry> entries;
-};
 
 // The names of the edges of a face or wire, in explorer order (empty when unnamed).
 std::vector<std::string> edgeNamesOf(const TopoDS_Shape& shape, const Profile& profile);
@@ -47,10 +42,6 @@ Result<std::vector<SweptPiece>> sweepFaces(const Profile& profile,
                                            const std::vector<TopoDS_Face>& faces,
                                            const MakeSweep& make, bool ends,
                                            const std::string& feature, const char* kernelFailure);
-
-// One piece as it is; several in one compound, fused into one solid when any two
-// touch (a fuse the kernel refuses keeps them separate). Names are carried.
-NamedShape joinTouchingPieces(std::vector<SweptPiece> pieces);
 
 // The shape with its names finished, when it holds a solid and is valid; else
 // `noSolid` or `invalid`.
