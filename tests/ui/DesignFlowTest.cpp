@@ -301,8 +301,8 @@ TEST_F(DesignFlowTest, AnEdgeIsRoundedByHandAndAnEditCancelledFromTheHistory) {
     ASSERT_EQ(form->references(QStringLiteral("edges")).size(), 1u);
     auto* radius = qobject_cast<QLineEdit*>(form->editor(QStringLiteral("radius")));
     ASSERT_NE(radius, nullptr);
-    QTest::mouseDClick(radius, Qt::LeftButton);
-    radius->selectAll();
+    // With the edge already picked, the keyboard is in the radius, ready to replace it.
+    ASSERT_TRUE(waitUntil([&] { return QApplication::focusWidget() == radius; }));
     type(QStringLiteral("2"));
     shot("fillet-panel");
     clickButton(form->primaryButton());

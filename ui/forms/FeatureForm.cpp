@@ -467,6 +467,18 @@ void FeatureForm::updateRowsHeight() {
     }
 }
 
+bool FeatureForm::focusFirstValue() {
+    for (auto& field : fields_)
+        if ((field->kind == FieldKind::Length || field->kind == FieldKind::Number) &&
+            field->shown && !field->readOnly) {
+            auto* edit = static_cast<QLineEdit*>(field->editor);
+            edit->setFocus(Qt::OtherFocusReason);
+            edit->selectAll();
+            return true;
+        }
+    return false;
+}
+
 void FeatureForm::requestAccept() {
     if (primary_->isEnabled()) emit acceptRequested();
 }

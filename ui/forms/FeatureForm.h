@@ -98,6 +98,9 @@ public:
     const PickRule* pickRule(const QString& key) const;
     // Activates the first shown, editable pick row without references; false when none.
     bool activateNextEmptyPick();
+    // Puts the keyboard in the first shown, editable length or number, all of it
+    // selected, so a typed value replaces it; false when there is none.
+    bool focusFirstValue();
     // References clicked for the active row: added, or dropped when all of them were
     // there already (a second click undoes the first). A single row takes the first
     // and moves on to the next empty row. `at` is the model point the click hit, when

@@ -137,7 +137,8 @@ void FormController::open(FormDefinition definition) {
     form_->show();
     form_->raise();
     update();
-    form_->activateNextEmptyPick();
+    // With nothing left to pick, the value is what the user types next.
+    if (!form_->activateNextEmptyPick()) form_->focusFirstValue();
     emit opened();
 }
 
