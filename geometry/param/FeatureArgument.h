@@ -10,6 +10,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +31,20 @@ struct FeatureArgument {
         Choice = 7,     // one of `choices`
     };
 
+    // What a click in the view may give a reference argument; combine with |.
+    enum Pick : std::uint32_t {
+        Faces = 1u << 0,
+        Edges = 1u << 1,
+        Vertices = 1u << 2,     // body vertices and sketch points
+        SketchCurves = 1u << 3, // lines, arcs, circles of a sketch
+        Regions = 1u << 4,      // a sketch's closed regions
+        Planes = 1u << 5,       // origin and reference planes
+        Axes = 1u << 6,         // the origin's axes
+        Bodies = 1u << 7,       // a click anywhere on a body names the body
+        Sketches = 1u << 8,     // a click on a sketch names the sketch
+        Features = 1u << 9,     // a click on a face names the feature that made it
+    };
+
     std::string label;       // the form's text: "Angle"
     std::string description; // the tool's text: "Degrees (default 360); ..."
     std::string key;         // the JSON key and the command argument: "angle"
@@ -40,6 +55,8 @@ struct FeatureArgument {
     // For an argument that names one object as a whole: "sketch", "body", "feature";
     // the registry rewrites such names to IDs.
     std::string refersTo;
+    // References (and whole-object names): what may be clicked for it in a form.
+    std::uint32_t picks = 0;
 };
 
 using FeatureArguments = std::vector<FeatureArgument>;

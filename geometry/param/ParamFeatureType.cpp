@@ -70,7 +70,8 @@ FeatureArguments commandArguments(const ParamFeatureType& type) {
             type.targetDescription.empty()
                 ? "The body to join, cut or intersect (default: the body the sketch sits on)."
                 : type.targetDescription;
-        table.push_back({"Target body", target, "target", Kind::Text, false, {}, {}, "body"});
+        table.push_back({"Target body", target, "target", Kind::Text, false, {}, {}, "body",
+                         FeatureArgument::Bodies});
         table.push_back({"Name", name, "name", Kind::Text, false, {}, {}, ""});
         table.push_back({"New body",
                          "New body's name (default BodyN).",
@@ -91,7 +92,8 @@ FeatureArguments commandArguments(const ParamFeatureType& type) {
                          false,
                          {},
                          {},
-                         "body"});
+                         "body",
+                         FeatureArgument::Bodies});
     return table;
 }
 

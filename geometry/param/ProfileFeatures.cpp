@@ -20,7 +20,7 @@ FeatureArgument profileArgument() {
             true,
             {},
             {},
-            "sketch"};
+            "sketch", FeatureArgument::Sketches | FeatureArgument::Regions | FeatureArgument::Faces};
 }
 
 ParamFeatureType revolveType() {
@@ -44,7 +44,7 @@ ParamFeatureType revolveType() {
          true,
          {},
          {},
-         ""},
+         "", FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
         {"Angle",
          "Degrees (default 360); negative turns the other way.",
          "angle",
@@ -86,7 +86,7 @@ ParamFeatureType sweepType() {
          true,
          {},
          {},
-         ""},
+         "", FeatureArgument::SketchCurves | FeatureArgument::Edges},
         {"Turn with the path",
          "The profile turns with the path (default true); false keeps its orientation.",
          "follow",
@@ -120,7 +120,7 @@ ParamFeatureType loftType() {
          true,
          {},
          {},
-         ""},
+         "", FeatureArgument::Sketches | FeatureArgument::Regions | FeatureArgument::Faces | FeatureArgument::Vertices},
         {"Straight sides",
          "Straight between sections instead of smooth.",
          "ruled",

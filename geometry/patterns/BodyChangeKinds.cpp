@@ -41,7 +41,7 @@ ParamFeatureType splitType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Planes | FeatureArgument::Faces},
         {"Extend",
          "Grow the tool face over its whole surface first (default true).",
          "extend",
@@ -104,7 +104,7 @@ ParamFeatureType splitPieceType() {
          true,
          {},
          {},
-         ""},
+         "", FeatureArgument::Bodies},
         {"At",
          "\"x,y,z\" (mm): the piece whose centre is nearest.",
          "at",
@@ -126,7 +126,7 @@ ParamFeatureType combineType() {
              "they're used up.");
     type.bodyKey = "target";
     type.arguments = {
-        {"Target", "The body that changes.", "target", Kind::Text, true, {}, {}, "body"},
+        {"Target", "The body that changes.", "target", Kind::Text, true, {}, {}, "body", FeatureArgument::Bodies},
         {"Tools",
          "The other bodies, separated by ';'.",
          "tools",
@@ -134,7 +134,7 @@ ParamFeatureType combineType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Bodies},
         {"Operation",
          "join (default), cut or intersect.",
          "operation",
@@ -168,7 +168,7 @@ ParamFeatureType combineType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
         {"Keep tools", "Keep the tool bodies.", "keep", Kind::Bool, false, {}, false, ""},
     };
     type.compute = computeCombine;
@@ -187,7 +187,7 @@ ParamFeatureType deleteFacesType() {
                        false,
                        {},
                        {},
-                       ""}};
+                       "", FeatureArgument::Faces}};
     type.compute = computeDeleteFaces;
     type.dependencies = deleteFacesDependencies;
     return type;
@@ -234,7 +234,7 @@ ParamFeatureType mirrorBodyType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Bodies},
         {"Plane",
          "The mirror plane: XY/XZ/YZ, a reference plane or a flat face.",
          "plane",
@@ -242,7 +242,7 @@ ParamFeatureType mirrorBodyType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Planes | FeatureArgument::Faces},
     };
     type.compute = computeMirrorBody;
     return type;

@@ -21,7 +21,7 @@ FeatureArgument featuresArgument() {
             false,
             {},
             {},
-            ""};
+            "", FeatureArgument::Features};
 }
 
 FeatureArgument countArgument(const char* description) {
@@ -53,7 +53,7 @@ ParamFeatureType rectangularType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
         countArgument("Copies along it, the original included (default 2)."),
         {"Spacing",
          "Between copies (negative: the other way).",
@@ -70,7 +70,7 @@ ParamFeatureType rectangularType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
         {"Second count",
          "Copies along the second direction (default 1).",
          "count2",
@@ -105,7 +105,7 @@ ParamFeatureType circularType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
         countArgument("Copies, the original included (default 2)."),
         {"Angle",
          "Spread over this many degrees (default 360, evenly all the way round).",
@@ -133,7 +133,7 @@ ParamFeatureType pathType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::SketchCurves | FeatureArgument::Edges},
         countArgument("Copies, the original included (default 2)."),
         {"Spacing",
          "Between copies along the path (0: spread over the whole path).",
@@ -174,7 +174,7 @@ ParamFeatureType mirrorType() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Planes | FeatureArgument::Faces},
     };
     type.compute = computeMirror;
     return type;
@@ -190,7 +190,7 @@ ParamFeatureType bodyPatternType() {
     type.description = "Copies of bodies laid out as a pattern.";
     type.makesNewSolid = true;
     type.arguments = {
-        {"Bodies", "The bodies, separated by ';'.", "bodies", Kind::References, true, {}, {}, ""}};
+        {"Bodies", "The bodies, separated by ';'.", "bodies", Kind::References, true, {}, {}, "", FeatureArgument::Bodies}};
     for (FeatureArgument& key : bodyPatternKeys()) type.arguments.push_back(std::move(key));
     type.arguments.push_back({"Pattern set",
                               "The pattern set the copy belongs to.",
@@ -232,7 +232,7 @@ FeatureArguments bodyPatternKeys() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
         {"Count",
          "How many, the original included (default 2).",
          "count",
@@ -256,7 +256,7 @@ FeatureArguments bodyPatternKeys() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
         {"Second count",
          "rectangular: how many along the second direction.",
          "count2",
@@ -273,7 +273,7 @@ FeatureArguments bodyPatternKeys() {
          {},
          {},
          ""},
-        {"Axis", "circular: the axis to turn about.", "axis", Kind::References, false, {}, {}, ""},
+        {"Axis", "circular: the axis to turn about.", "axis", Kind::References, false, {}, {}, "", FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
         {"Angle",
          "circular: degrees spread over (default 360: evenly all round).",
          "angle",
@@ -289,7 +289,7 @@ FeatureArguments bodyPatternKeys() {
          false,
          {},
          {},
-         ""},
+         "", FeatureArgument::SketchCurves | FeatureArgument::Edges},
         {"Follow path",
          "path: copies turn with the path (default true).",
          "follow",
