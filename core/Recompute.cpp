@@ -113,8 +113,12 @@ std::vector<DocumentObject*> Document::propagatePass(const std::vector<DocumentO
         for (const std::string& featureId : body.features) {
             auto* feature = dynamic_cast<const FeatureObject*>(find(featureId));
             if (!feature) continue;
+            // Its own features are brought up to date by whoever changed them (the
+            // body is rebuilt from the changed one): only what lies outside counts.
             std::vector<std::string> uses = feature->references();
-            std::erase(uses, body.id);
+            std::erase_if(uses, [&body](const std::string& use) {
+                return use == body.id || contains(body.features, use);
+            });
             if (changedFeatures.count(featureId) || reachesChange(uses)) return featureId;
         }
         return std::string();
