@@ -8,6 +8,8 @@
 #include "core/DocumentJson.h"
 #include "core/GeometryObject.h"
 #include "core/JsonLayout.h"
+#include "geometry/planes/PlaneObject.h"
+#include "geometry/planes/SectionObject.h"
 #include "mcp/AllCommands.h"
 #include "mcp/BodyTools.h"
 #include "mcp/McpHost.h"
@@ -57,6 +59,29 @@ double roundMeasure(double value) {
     return rounded == 0 ? 0.0 : rounded; // no "-0"
 }
 
+ordered_json vector3(double x, double y, double z) {
+    return ordered_json::array({roundMeasure(x), roundMeasure(y), roundMeasure(z)});
+}
+
+// Where a plane or a section's cut lies now, for an agent to place things by.
+ordered_json placementOf(const gp_Ax3& placement) {
+    const gp_Pnt& o = placement.Location();
+    const gp_Dir& n = placement.Direction();
+    const gp_Dir& x = placement.XDirection();
+    ordered_json json = ordered_json::object();
+    json["origin"] = vector3(o.X(), o.Y(), o.Z());
+    json["normal"] = vector3(n.X(), n.Y(), n.Z());
+    json["x_direction"] = vector3(x.X(), x.Y(), x.Z());
+    return json;
+}
+
+// A plane's or section's computed placement and, when its last compute failed, why.
+void completePlaced(ordered_json& record, bool placed, const gp_Ax3& placement,
+                    const std::string& error) {
+    if (placed) record["placement"] = placementOf(placement);
+    if (!error.empty()) record["error"] = error;
+}
+
 ordered_json documentAnswer(McpHost& host) {
     const Document& document = host.document();
     SideFiles sideFiles;
@@ -72,6 +97,10 @@ ordered_json documentAnswer(McpHost& host) {
         else if (auto* feature = dynamic_cast<const FeatureObject*>(object.get());
                  feature && !feature->error.empty())
             record["error"] = feature->error;
+        else if (auto* plane = dynamic_cast<const PlaneObject*>(object.get()))
+            completePlaced(record, plane->placed, plane->placement, plane->error);
+        else if (auto* section = dynamic_cast<const SectionObject*>(object.get()))
+            completePlaced(record, section->placed, section->placement, section->error);
     }
     ordered_json answer = ordered_json::object();
     answer["file"] = host.currentPath();

@@ -34,6 +34,7 @@ TEST(McpGetDocument, WrapsTheProjectJsonWithLiveInformation) {
         record.erase("measured");
         record.erase("analysis");
         record.erase("error");
+        record.erase("placement");
     }
     EXPECT_EQ(document.dump(), written.dump());
 
@@ -90,6 +91,30 @@ TEST(McpGetDocument, MeasuresFollowEveryRebuild) {
     EXPECT_EQ(volume(), 1000.0);
     h.session.ok("redo");
     EXPECT_EQ(volume(), 1400.0);
+}
+
+TEST(McpGetDocument, PlanesAndSectionsSayWhereTheyAreAndWhyNot) {
+    HeadlessSession h;
+    buildPlate(h.session, 5);
+    h.session.ok("add_plane", {{"references", "Body1/Extrude1.end"}, {"distance", 3}});
+    h.session.ok("add_section", {{"references", "YZ"}, {"distance", 4}, {"flip", true}});
+    auto objects = [&] { return h.session.okJson("get_document")["document"]["objects"]; };
+    json listed = objects();
+    ASSERT_EQ(listed.size(), 5u);
+    EXPECT_EQ(listed[3]["placement"]["origin"][2], 8.0);
+    EXPECT_EQ(listed[3]["placement"]["normal"].dump(), "[0.0,0.0,1.0]");
+    EXPECT_FALSE(listed[3].contains("error"));
+    EXPECT_EQ(listed[4]["placement"]["origin"].dump(), "[4.0,0.0,0.0]");
+    EXPECT_EQ(listed[4]["placement"]["normal"].dump(), "[-1.0,0.0,0.0]");
+
+    // The plane follows the face; once the face is gone it stays put and says why.
+    h.session.ok("edit_feature", {{"feature", "Extrude1"}, {"distance", 7}});
+    EXPECT_EQ(objects()[3]["placement"]["origin"][2], 10.0);
+    h.session.ok("delete_sketch_entity", {{"sketch", "Sketch1"}, {"entity", "Rectangle1"}});
+    listed = objects();
+    EXPECT_EQ(listed[3]["placement"]["origin"][2], 10.0);
+    ASSERT_TRUE(listed[3].contains("error")) << listed[3].dump();
+    EXPECT_FALSE(listed[4].contains("error"));
 }
 
 TEST(McpGetSketch, ListsNamedPointsAndFreedom) {
