@@ -1,12 +1,17 @@
 // Follows the document and keeps the view's presentations in step with it: one
-// shaded, outlined shape per body, four parts per sketch, and the origin.
+// shaded, outlined shape per body, four parts per sketch, reference planes, section
+// planes with the bodies clipped by every visible section, and the origin.
 #include "ui/presentation/DocumentPresenter.h"
 
 #include "core/Document.h"
 #include "core/GeometryObject.h"
+#include "geometry/planes/PlaneObject.h"
+#include "geometry/planes/SectionObject.h"
 #include "rendering/Viewport.h"
 #include "sketch/SketchObject.h"
 #include "ui/presentation/OriginPresentation.h"
+#include "ui/presentation/PlanePresentation.h"
+#include "ui/presentation/SectionPresentation.h"
 #include "ui/presentation/SketchPresentation.h"
 #include "ui/presentation/Tessellation.h"
 #include "ui/presentation/ThreadPresentation.h"
@@ -22,6 +27,7 @@
 #include <TColStd_ListOfInteger.hxx>
 
 #include <algorithm>
+#include <optional>
 
 namespace cad::ui {
 
@@ -57,12 +63,15 @@ Handle(AIS_ColoredShape) makeBodyPresentation(const TopoDS_Shape& shape) {
 } // namespace
 
 struct DocumentPresenter::Impl {
-    enum class Kind { Body, Sketch };
+    enum class Kind { Body, Sketch, Plane, Section };
     struct Entry {
         Kind kind = Kind::Body;
         std::vector<Handle(AIS_InteractiveObject)> parts;
         // A body's cosmetic threads: drawn with it, never picked.
         std::vector<Handle(AIS_InteractiveObject)> marks;
+        // What a reference plane is drawn from, so a change that leaves it alone
+        // (a rename, visibility) redraws nothing.
+        std::vector<double> drawn;
     };
 
     explicit Impl(rendering::Viewport& v) : viewport(v) {}
@@ -83,8 +92,12 @@ struct DocumentPresenter::Impl {
         // stays unpickable whatever is activated later.
         if (!ctx->IsDisplayed(part)) {
             auto sketchPart = Handle(SketchPartPresentation)::DownCast(part);
-            ctx->Display(part, part->DisplayMode(),
-                         sketchPart ? sketchPart->selectionMode() : kFaceMode, false);
+            int mode = kFaceMode;
+            if (sketchPart)
+                mode = sketchPart->selectionMode();
+            else if (kind == Kind::Plane || kind == Kind::Section)
+                mode = kWholeMode;
+            ctx->Display(part, part->DisplayMode(), mode, false);
         }
         applySelectionModes(ctx, kind, part);
     }
@@ -98,6 +111,11 @@ struct DocumentPresenter::Impl {
                 ctx->Deactivate(part, sketchPart->selectionMode());
             else
                 ctx->Activate(part, sketchPart->selectionMode());
+            return;
+        }
+        // Planes and sections are only ever taken whole.
+        if (kind == Kind::Plane || kind == Kind::Section) {
+            ctx->Activate(part, kWholeMode);
             return;
         }
         for (auto [mode, on] : {std::pair{kWholeMode, bodies}, std::pair{kVertexMode, vertices},
@@ -161,7 +179,7 @@ struct DocumentPresenter::Impl {
             }
             auto it = presentations.find(object.id);
             if (it == presentations.end()) {
-                Entry entry{Kind::Body, {makeBodyPresentation(body->shape.shape())}, {}};
+                Entry entry{Kind::Body, {makeBodyPresentation(body->shape.shape())}, {}, {}};
                 owners[entry.parts.front().get()] = object.id;
                 rebuildMarks(*body, entry);
                 presentations.emplace(object.id, std::move(entry));
@@ -180,7 +198,7 @@ struct DocumentPresenter::Impl {
         if (auto* sketch = dynamic_cast<SketchObject*>(&object)) {
             auto it = presentations.find(object.id);
             if (it == presentations.end()) {
-                Entry entry{Kind::Sketch, {}, {}};
+                Entry entry{Kind::Sketch, {}, {}, {}};
                 for (const Handle(SketchPartPresentation) & part : makeSketchParts(*sketch)) {
                     owners[part.get()] = object.id;
                     entry.parts.push_back(part);
@@ -195,7 +213,97 @@ struct DocumentPresenter::Impl {
             }
             return true;
         }
+        if (auto* plane = dynamic_cast<PlaneObject*>(&object)) return buildPlane(*plane);
+        if (auto* section = dynamic_cast<SectionObject*>(&object)) return buildSection(*section);
         return false;
+    }
+
+    // A plane that never computed has nothing to show; one whose reference vanished
+    // keeps its last placement.
+    bool buildPlane(const PlaneObject& plane) {
+        if (!plane.placed) {
+            forget(plane.id);
+            return false;
+        }
+        const gp_Ax3& at = plane.placement;
+        std::vector<double> drawn{at.Location().X(),   at.Location().Y(),   at.Location().Z(),
+                                  at.Direction().X(),  at.Direction().Y(),  at.Direction().Z(),
+                                  at.XDirection().X(), at.XDirection().Y(), at.XDirection().Z(),
+                                  plane.halfWidth};
+        const TopoDS_Shape shape = referencePlaneShape(at, plane.halfWidth);
+        auto it = presentations.find(plane.id);
+        if (it == presentations.end()) {
+            Entry entry{Kind::Plane, {makeReferencePlanePresentation(shape)}, {}, drawn};
+            owners[entry.parts.front().get()] = plane.id;
+            presentations.emplace(plane.id, std::move(entry));
+            return true;
+        }
+        if (it->second.drawn == drawn) return true;
+        it->second.drawn = std::move(drawn);
+        const Handle(AIS_InteractiveContext) ctx = context();
+        if (ctx) clearSelectionOf(ctx, it->second);
+        Handle(AIS_Shape)::DownCast(it->second.parts.front())->SetShape(shape);
+        recompute(ctx, it->second.parts.front());
+        return true;
+    }
+
+    bool buildSection(const SectionObject& section) {
+        if (!section.placed) {
+            forget(section.id);
+            return false;
+        }
+        // A known section moves with the rest of the sections as visibility is refreshed.
+        if (presentations.contains(section.id)) return true;
+        Handle(SectionPlanePresentation) plane = new SectionPlanePresentation();
+        plane->place(section.placement, shownBodiesBox());
+        owners[plane.get()] = section.id;
+        presentations.emplace(section.id, Entry{Kind::Section, {plane}, {}, {}});
+        return true;
+    }
+
+    // Moves the section's cut and fits its rectangle to the shown bodies.
+    void placeSection(const SectionObject& section, const Entry& entry, const Bnd_Box& cover) {
+        auto plane = Handle(SectionPlanePresentation)::DownCast(entry.parts.front());
+        if (!plane->place(section.placement, cover)) return;
+        const Handle(AIS_InteractiveContext) ctx = context();
+        if (ctx) clearSelectionOf(ctx, entry);
+        recompute(ctx, plane);
+    }
+
+    // Sections follow the bodies they cover, and every body is clipped by exactly the
+    // sections shown.
+    void refreshSections(const Handle(AIS_InteractiveContext) & ctx) {
+        Handle(Graphic3d_SequenceOfHClipPlane) cuts;
+        std::optional<Bnd_Box> cover; // measured once, and only when there is a section
+        for (const auto& [id, entry] : presentations) {
+            if (entry.kind != Kind::Section) continue;
+            if (!cover) cover = shownBodiesBox();
+            auto* section = document ? dynamic_cast<SectionObject*>(document->find(id)) : nullptr;
+            if (section) placeSection(*section, entry, *cover);
+            if (!ctx->IsDisplayed(entry.parts.front())) continue;
+            if (cuts.IsNull()) cuts = new Graphic3d_SequenceOfHClipPlane();
+            cuts->Append(Handle(SectionPlanePresentation)::DownCast(entry.parts.front())->cut());
+        }
+        for (const auto& [id, entry] : presentations) {
+            if (entry.kind != Kind::Body) continue;
+            for (const auto* list : {&entry.parts, &entry.marks})
+                for (const Handle(AIS_InteractiveObject) & part : *list) setCuts(*part, cuts);
+        }
+    }
+
+    // The bounding box of every shown body (void when none).
+    Bnd_Box shownBodiesBox() const {
+        Bnd_Box box;
+        const Handle(AIS_InteractiveContext) ctx = context();
+        for (const auto& [id, entry] : presentations) {
+            if (entry.kind != Kind::Body) continue;
+            const auto shape = Handle(AIS_Shape)::DownCast(entry.parts.front());
+            const bool shown =
+                ctx ? ctx->IsDisplayed(shape)
+                    : document && document->find(id) && shouldShow(*document->find(id));
+            if (shown) BRepBndLib::Add(shape->Shape(), box, true);
+        }
+        return box;
     }
 
     // A changed presentation is drawn again in place; only its picking is rebuilt.
@@ -235,6 +343,7 @@ struct DocumentPresenter::Impl {
                     ctx->Erase(mark, false);
             }
         }
+        refreshSections(ctx);
         refreshOrigin(ctx);
         redraw();
     }
@@ -301,6 +410,8 @@ void DocumentPresenter::objectAdded(DocumentObject& object) {
 void DocumentPresenter::objectRemoved(DocumentObject& object) {
     if (!impl_->presentations.contains(object.id)) return;
     impl_->forget(object.id);
+    // A section's cut leaves the bodies; a body leaves the sections' cover.
+    if (const Handle(AIS_InteractiveContext) ctx = impl_->context()) impl_->refreshSections(ctx);
     impl_->redraw();
 }
 
@@ -445,18 +556,6 @@ DocumentPresenter::threadMarksOf(const std::string& id) const {
                                             : it->second.marks;
 }
 
-Bnd_Box DocumentPresenter::shownBodiesBox() const {
-    Bnd_Box box;
-    const Handle(AIS_InteractiveContext) ctx = impl_->context();
-    for (const auto& [id, entry] : impl_->presentations) {
-        if (entry.kind != Impl::Kind::Body) continue;
-        const auto shape = Handle(AIS_Shape)::DownCast(entry.parts.front());
-        const bool shown = ctx ? ctx->IsDisplayed(shape)
-                               : impl_->document && impl_->document->find(id) &&
-                                     impl_->shouldShow(*impl_->document->find(id));
-        if (shown) BRepBndLib::Add(shape->Shape(), box, true);
-    }
-    return box;
-}
+Bnd_Box DocumentPresenter::shownBodiesBox() const { return impl_->shownBodiesBox(); }
 
 } // namespace cad::ui

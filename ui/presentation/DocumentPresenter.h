@@ -1,7 +1,8 @@
 // Keeps one OpenCASCADE presentation per visible document object in the 3D view,
 // following the document through its observer: bodies shaded with their face
-// boundaries and their cosmetic threads marked, sketches as wires and points, the
-// origin's planes and axes.
+// boundaries and their cosmetic threads marked, sketches as wires and points,
+// reference planes, section planes (every visible one cuts the bodies open with
+// capped, hatched cuts), the origin's planes and axes.
 #pragma once
 
 #include "core/DocumentObserver.h"

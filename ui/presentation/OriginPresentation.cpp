@@ -3,20 +3,18 @@
 #include "ui/presentation/OriginPresentation.h"
 
 #include "core/OriginPlanes.h"
+#include "ui/presentation/PlanePresentation.h"
 
 #include <AIS_DisplayMode.hxx>
 #include <BRepBuilderAPI_MakeEdge.hxx>
-#include <BRepBuilderAPI_MakeFace.hxx>
 #include <BRepBuilderAPI_MakeVertex.hxx>
 #include <Prs3d_Drawer.hxx>
 #include <Prs3d_LineAspect.hxx>
 #include <Prs3d_PointAspect.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Edge.hxx>
-#include <TopoDS_Face.hxx>
 #include <TopoDS_Vertex.hxx>
 #include <gp_Ax3.hxx>
-#include <gp_Pln.hxx>
 
 namespace cad::ui {
 
@@ -32,16 +30,8 @@ Handle(AIS_Shape) planeItem(OriginPlane which, double size) {
     const PlaneFrame f = originPlaneFrame(which);
     const gp_Ax3 axes(gp_Pnt(f.origin[0], f.origin[1], f.origin[2]), dir(f.normal),
                       dir(f.xDirection));
-    const double h = size / 2;
-    Handle(AIS_Shape) shape =
-        new AIS_Shape(BRepBuilderAPI_MakeFace(gp_Pln(axes), -h, h, -h, h).Face());
-    shape->SetColor(srgb(0.98, 0.66, 0.22));
-    shape->SetTransparency(0.82);
-    const Handle(Prs3d_Drawer)& drawer = shape->Attributes();
-    drawer->SetFaceBoundaryDraw(true);
-    drawer->SetFaceBoundaryAspect(
-        new Prs3d_LineAspect(srgb(0.98, 0.66, 0.22), Aspect_TOL_SOLID, 1.4));
-    shape->SetDisplayMode(AIS_Shaded);
+    Handle(AIS_Shape) shape = new AIS_Shape(planeRectangle(axes, size / 2, size / 2));
+    applyPlaneLook(*shape, referencePlaneColour());
     return shape;
 }
 

@@ -1,11 +1,12 @@
 // Turns what is under the cursor into reference texts: bodies by persistent name,
-// sketches by entity, the origin by its names. Hover previews the group a click
-// would take; Shift narrows it to the one piece under the cursor.
+// sketches by entity, reference planes and the origin by their names. Hover previews
+// the group a click would take; Shift narrows it to the one piece under the cursor.
 #include "ui/presentation/ReferencePicker.h"
 
 #include "core/Document.h"
 #include "core/GeometryObject.h"
 #include "geometry/References.h"
+#include "geometry/planes/PlaneObject.h"
 #include "rendering/Viewport.h"
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/presentation/SketchPresentation.h"
@@ -104,6 +105,12 @@ struct ReferencePicker::Impl {
         } else if (auto* body = dynamic_cast<GeometryObject*>(document->find(id))) {
             piece = body->shape.nameOf(brep->Shape());
             found.candidate.kind = kindOfShape(brep->Shape().ShapeType());
+        } else if (dynamic_cast<PlaneObject*>(document->find(id))) {
+            // A reference plane is picked whole and named by its ID.
+            found.candidate.kind = PickPlane;
+            found.candidate.objectId = id;
+            found.candidate.reference = id;
+            return found;
         }
         if (piece.empty()) return std::nullopt;
         found.candidate.objectId = id;
