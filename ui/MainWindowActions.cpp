@@ -384,12 +384,20 @@ QWidget* MainWindow::buildTopBar() {
     modelingTools_ = new ToolStrip(QStringLiteral("modelingTools"), bar);
     modelingTools_->addGroup(new ToolGroup(
         QStringLiteral("model.create"), QStringLiteral("CREATE"),
-        {actions_.sketch, actions_.extrude, actions_.hole, actions_.thread, actions_.box},
-        {QStringLiteral("Sketch"), QStringLiteral("Extrude"), QStringLiteral("Hole")}));
+        {actions_.sketch, actions_.extrude, actions_.revolve, actions_.sweep, actions_.loft,
+         actions_.hole, actions_.thread, actions_.box, actions_.referencePlane},
+        {QStringLiteral("Sketch"), QStringLiteral("Extrude"), QStringLiteral("Revolve"),
+         QStringLiteral("Hole")}));
     modelingTools_->addGroup(new ToolGroup(
         QStringLiteral("model.modify"), QStringLiteral("MODIFY"),
-        {actions_.fillet, actions_.chamfer, actions_.shell, actions_.remove, actions_.parameters},
-        {QStringLiteral("Fillet"), QStringLiteral("Chamfer"), QStringLiteral("Shell")}));
+        {actions_.fillet, actions_.chamfer, actions_.shell, actions_.combine, actions_.split,
+         actions_.mirror, actions_.patternRect, actions_.patternCirc, actions_.patternPath,
+         actions_.deleteFaces, actions_.remove, actions_.parameters},
+        {QStringLiteral("Fillet"), QStringLiteral("Chamfer"), QStringLiteral("Shell"),
+         QStringLiteral("Rectangular Pattern")}));
+    modelingTools_->addGroup(new ToolGroup(QStringLiteral("model.inspect"),
+                                           QStringLiteral("INSPECT"), {actions_.section},
+                                           {QStringLiteral("Section Analysis")}));
     row->addWidget(modelingTools_, 1);
     sketchTools_ = buildSketchStrip(bar);
     row->addWidget(sketchTools_, 1);

@@ -120,7 +120,7 @@ void MainWindow::buildFeatureActions() {
         const char* description;
         const char* feature;
     };
-    static constexpr std::array<FeatureAction, 5> features{{
+    static constexpr std::array<FeatureAction, 17> features{{
         {&Actions::fillet, "fillet", "Fillet", "edgeFillet", "", "Round edges of a body", "Fillet"},
         {&Actions::chamfer, "chamfer", "Chamfer", "edgeChamfer", "", "Bevel edges of a body",
          "Chamfer"},
@@ -130,6 +130,24 @@ void MainWindow::buildFeatureActions() {
          "Click a face, or select a sketch with points first", "Hole"},
         {&Actions::thread, "thread", "Thread", "threadAction", "",
          "On a cylindrical face: a bolt, boss or hole", "Thread"},
+        {&Actions::revolve, "revolve", "Revolve", "revolveFeature", "", "", "Revolve"},
+        {&Actions::sweep, "sweep", "Sweep", "sweepFeature", "", "", "Sweep"},
+        {&Actions::loft, "loft", "Loft", "loftFeature", "", "", "Loft"},
+        {&Actions::patternRect, "pattern-rect", "Rectangular Pattern", "rectangularpatternFeature",
+         "", "", "RectangularPattern"},
+        {&Actions::patternCirc, "pattern-circ", "Circular Pattern", "circularpatternFeature", "",
+         "", "CircularPattern"},
+        {&Actions::patternPath, "pattern-path", "Path Pattern", "pathpatternFeature", "", "",
+         "PathPattern"},
+        {&Actions::mirror, "mirror3d", "Mirror", "mirrorFeature", "", "", "Mirror"},
+        {&Actions::combine, "combine", "Combine", "combineFeature", "", "", "Combine"},
+        {&Actions::split, "split", "Split Body", "splitbodyFeature", "", "", "SplitBody"},
+        {&Actions::deleteFaces, "delete-face", "Delete Faces", "deletefacesFeature", "",
+         "Take faces off a body, its other faces closing the gap", "DeleteFaces"},
+        {&Actions::referencePlane, "plane", "Reference Plane", "referencePlane", "", "",
+         "ReferencePlane"},
+        {&Actions::section, "section", "Section Analysis", "sectionAnalysis", "", "",
+         "SectionAnalysis"},
     }};
     for (const FeatureAction& f : features) {
         const QString description = QString::fromLatin1(f.description);
@@ -154,7 +172,16 @@ void MainWindow::startFeature(const QString& featureName) {
         presenter_->selectObjects({sketch});
     }
     endPlanePick();
-    forms_->openFeatureForm(featureName);
+    if (featureName.endsWith(QStringLiteral("Pattern")))
+        forms_->openPatternForm(featureName.chopped(7).toLower());
+    else if (featureName == QStringLiteral("Mirror"))
+        forms_->openMirrorForm();
+    else if (featureName == QStringLiteral("ReferencePlane"))
+        forms_->openPlaneForm();
+    else if (featureName == QStringLiteral("SectionAnalysis"))
+        forms_->openSectionForm();
+    else
+        forms_->openFeatureForm(featureName);
 }
 
 void MainWindow::startExtrude() {

@@ -3,9 +3,9 @@
 // hole needs first), what a bad value does to the message line and OK, and edits
 // that carry only what changed. The commands then run, so a record is also checked
 // against the model it makes.
+#include "tests/forms/FormRecordHarness.h"
 #include "tests/holes/HoleTestModel.h"
 
-#include "core/units/NameLookup.h"
 #include "geometry/DressUpFeatures.h"
 #include "geometry/holes/HoleFeature.h"
 #include "geometry/holes/ThreadFeature.h"
@@ -33,27 +33,8 @@ using ui::FormDefinition;
 
 namespace {
 
-class FormRecords : public HoleModel {
+class FormRecords : public FormHarness<HoleModel> {
 protected:
-    // The form's rows, filled as its opener fills them.
-    FeatureForm& load(FormDefinition definition) {
-        definition_ = std::move(definition);
-        form_ = std::make_unique<FeatureForm>(&document);
-        definition_.setup(*form_);
-        return *form_;
-    }
-    // One check, as every change makes it; the command's call text, or the message.
-    std::string check() {
-        units::ScopedParameterLookup scope(document.parameterLookup(), document.lengthUnit());
-        Result<CommandRecord> record = ui::checkForm(definition_, *form_);
-        return record ? record->toCall() : "! " + record.error();
-    }
-    CommandRecord record() {
-        units::ScopedParameterLookup scope(document.parameterLookup(), document.lengthUnit());
-        return ui::checkForm(definition_, *form_).value();
-    }
-    std::vector<CommandRecord> before() { return definition_.before(*form_).value(); }
-
     // "Box1/<name>" of the first sub-shape of this type whose centre passes the test.
     std::string piece(const std::string& id, TopAbs_ShapeEnum type,
                       const std::function<bool(const gp_Pnt&)>& where) {
@@ -72,9 +53,6 @@ protected:
         BRepClass3d_SolidClassifier inside(body(id)->shape.shape(), p, 1e-6);
         return inside.State() == TopAbs_IN;
     }
-
-    FormDefinition definition_;
-    std::unique_ptr<FeatureForm> form_;
 };
 
 } // namespace

@@ -6,6 +6,10 @@
 
 #include "core/units/ExpressionParser.h"
 #include "geometry/holes/HoleCommands.h"
+#include "geometry/param/ParamCommands.h"
+#include "geometry/patterns/PatternCommands.h"
+#include "geometry/patterns/PatternKinds.h"
+#include "geometry/planes/PlaneObject.h"
 #include "rendering/Viewport.h"
 #include "sketch/SketchObject.h"
 #include "ui/forms/FeatureForm.h"
@@ -98,7 +102,7 @@ TEST_F(Forms, PickRowsCountToggleAndClear) {
     const std::string sketch =
         sketchWithRectangles({{0, 0, 10, 10}, {20, 0, 30, 10}, {40, 0, 50, 10}});
     ASSERT_TRUE(forms->openFeatureForm(QStringLiteral("Extrude")));
-    EXPECT_FALSE(forms->openFeatureForm(QStringLiteral("Sweep")));
+    EXPECT_FALSE(forms->openFeatureForm(QStringLiteral("Sketch")));
     EXPECT_EQ(form().title(), QStringLiteral("Extrude"));
     // Nothing selected: the profile row waits for a click in the view.
     EXPECT_EQ(form().activePick(), QStringLiteral("sketch"));
@@ -423,6 +427,79 @@ TEST_F(Forms, RowsOfEveryKindFoldAndKeys) {
     EXPECT_EQ(accepted.count(), 1);
     QTest::keyClick(card.editor(QStringLiteral("angle")), Qt::Key_Escape);
     EXPECT_EQ(cancelled.count(), 1);
+}
+
+TEST_F(Forms, TableFormsPlanesAndPatternsOpenTryAndCancel) {
+    addPatternKinds();
+    registerPatternCommands(registry);
+    registerParamCommands(registry);
+    ok("create_box", {{"width", 10.0}, {"depth", 10.0}, {"height", 10.0}, {"x", 100.0}});
+    const std::string sketch = sketchWithRectangles({{10, 0, 20, 10}});
+    const auto counters = document.idCounters();
+    const std::size_t steps = stack.undoCount();
+    for (const auto& [name, title] : {std::pair{"Sweep", "Sweep"},
+                                      {"Loft", "Loft"},
+                                      {"Combine", "Combine"},
+                                      {"DeleteFaces", "Delete Faces"},
+                                      {"RectangularPattern", "Rectangular Pattern"},
+                                      {"SplitBody", "Split"}}) {
+        ASSERT_TRUE(forms->openFeatureForm(QString::fromLatin1(name))) << name;
+        EXPECT_EQ(form().title(), QString::fromLatin1(title));
+    }
+    EXPECT_FALSE(forms->openFeatureForm(QStringLiteral("Frozen"))); // made by agents only
+    EXPECT_FALSE(forms->openPatternForm(QStringLiteral("spiral")));
+    ASSERT_TRUE(forms->openMirrorForm());
+    EXPECT_EQ(form().title(), QStringLiteral("Mirror"));
+
+    // A split with no tool yet: the command's own request is a prompt, not an error.
+    selection = {"Box1"};
+    ASSERT_TRUE(forms->openFeatureForm(QStringLiteral("SplitBody")));
+    EXPECT_EQ(form().references(QStringLiteral("body")), std::vector<std::string>{"Box1"});
+    EXPECT_EQ(form().message(), QStringLiteral("Pick what splits the body: a plane or a face."));
+    EXPECT_FALSE(form().messageIsError());
+    EXPECT_FALSE(form().acceptEnabled());
+
+    // A revolve is tried as a new body while it is filled in; Esc takes it all back.
+    selection = {sketch};
+    ASSERT_TRUE(forms->openFeatureForm(QStringLiteral("Revolve")));
+    EXPECT_EQ(form().activePick(), QStringLiteral("axis"));
+    form().picked({"Y"});
+    EXPECT_TRUE(stack.hasTrial());
+    EXPECT_NEAR(volumeOf("Body1"), 100 * 15 * 2 * std::numbers::pi, 1e-6);
+    QTest::keyClick(viewport.get(), Qt::Key_Escape);
+    EXPECT_FALSE(forms->isOpen());
+    EXPECT_EQ(body("Body1"), nullptr);
+    EXPECT_EQ(document.idCounters(), counters);
+    EXPECT_EQ(stack.undoCount(), steps);
+
+    // A plane made, then its edit tried live and withdrawn; sections and features too.
+    selection = {"XY"};
+    ASSERT_TRUE(forms->openPlaneForm());
+    lengthRow("distance")->setText(QStringLiteral("10"));
+    ASSERT_TRUE(forms->accept());
+    const auto height = [&] {
+        return document.findAs<PlaneObject>("Plane1")->placement.Location().Z();
+    };
+    EXPECT_NEAR(height(), 10, 1e-9);
+    ASSERT_TRUE(forms->openEditForm("Plane1"));
+    EXPECT_EQ(form().title(), QStringLiteral("Edit Plane1"));
+    lengthRow("distance")->setText(QStringLiteral("20"));
+    EXPECT_NEAR(height(), 20, 1e-9);
+    forms->cancel();
+    EXPECT_NEAR(height(), 10, 1e-9);
+
+    selection = {"Plane1"};
+    ASSERT_TRUE(forms->openSectionForm());
+    ASSERT_TRUE(forms->accept());
+    ASSERT_TRUE(forms->openEditForm("Section1"));
+    EXPECT_EQ(form().title(), QStringLiteral("Edit Section1"));
+    ok("revolve", {{"sketch", sketch}, {"axis", "Y"}});
+    ASSERT_TRUE(forms->openEditForm("Revolve1"));
+    EXPECT_EQ(form().title(), QStringLiteral("Edit Revolve1"));
+    ok("pattern_bodies",
+       {{"bodies", "Box1"}, {"pattern", "rectangular"}, {"direction", "X"}, {"spacing", 20.0}});
+    ASSERT_TRUE(forms->openEditForm("PatternSet1"));
+    EXPECT_EQ(form().title(), QStringLiteral("Edit PatternSet1"));
 }
 
 } // namespace cad::testing

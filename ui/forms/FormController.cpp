@@ -10,12 +10,22 @@
 #include "geometry/ExtrudeFeature.h"
 #include "geometry/holes/HoleFeature.h"
 #include "geometry/holes/ThreadFeature.h"
+#include "geometry/param/ParamFeature.h"
+#include "geometry/param/ParamFeatureType.h"
+#include "geometry/patterns/PatternSetObject.h"
+#include "geometry/planes/PlaneObject.h"
+#include "geometry/planes/SectionObject.h"
 #include "rendering/Viewport.h"
 #include "ui/forms/BoxForm.h"
 #include "ui/forms/DressUpForms.h"
 #include "ui/forms/ExtrudeForm.h"
 #include "ui/forms/FeatureForm.h"
 #include "ui/forms/HoleForm.h"
+#include "ui/forms/MirrorForm.h"
+#include "ui/forms/ParamFeatureForm.h"
+#include "ui/forms/PatternForms.h"
+#include "ui/forms/PlaneForm.h"
+#include "ui/forms/SectionForm.h"
 #include "ui/forms/ThreadForm.h"
 #include "ui/presentation/ReferencePicker.h"
 
@@ -41,6 +51,14 @@ units::ScopedParameterLookup documentUnits(const Document& document) {
 QString failureNote(const std::string& message) {
     const auto at = message.find("Now failing: ");
     return at == std::string::npos ? QString() : QString::fromStdString(message.substr(at));
+}
+
+// The pattern form a feature pattern's kind is made in ("pattern-rect": rectangular).
+QString patternWord(const std::string& formId) {
+    if (formId == "pattern-rect") return QStringLiteral("rectangular");
+    if (formId == "pattern-circ") return QStringLiteral("circular");
+    if (formId == "pattern-path") return QStringLiteral("path");
+    return {};
 }
 
 } // namespace
@@ -96,7 +114,63 @@ bool FormController::openFeatureForm(const QString& featureName) {
     else if (featureName == QStringLiteral("Thread"))
         open(threadForm(document, selection));
     else
+        return openParamFeatureForm(featureName.toStdString(), selection);
+    return true;
+}
+
+bool FormController::openParamFeatureForm(const std::string& typeId,
+                                          const std::vector<std::string>& selection) {
+    const ParamFeatureType* type = paramFeatureTypes().find(typeId);
+    if (!type || type->formId.empty() || type->command.empty()) return false;
+    if (type->formId == "mirror3d") return openMirrorForm();
+    if (const QString word = patternWord(type->formId); !word.isEmpty())
+        return openPatternForm(word);
+    open(paramFeatureForm(stack_.document(), *type, selection));
+    return true;
+}
+
+bool FormController::openPlaneForm() {
+    open(planeForm(stack_.document(), selection_ ? selection_() : std::vector<std::string>()));
+    return true;
+}
+
+bool FormController::openSectionForm() {
+    open(sectionForm(stack_.document(), selection_ ? selection_() : std::vector<std::string>()));
+    return true;
+}
+
+bool FormController::openMirrorForm() {
+    if (!paramFeatureTypes().find("Mirror") || !paramFeatureTypes().find("MirrorBody"))
         return false;
+    open(mirrorForm(stack_.document(), selection_ ? selection_() : std::vector<std::string>()));
+    return true;
+}
+
+bool FormController::openPatternForm(const QString& kind) {
+    if (!paramFeatureTypes().find("RectangularPattern")) return false;
+    std::optional<FormDefinition> form = patternForm(
+        stack_.document(), kind, selection_ ? selection_() : std::vector<std::string>());
+    if (!form) return false;
+    open(std::move(*form));
+    return true;
+}
+
+bool FormController::openParamEditForm(const ParamFeature& feature) {
+    const Document& document = stack_.document();
+    if (isFeaturePattern(feature)) {
+        open(editFeaturePatternForm(document, feature));
+        return true;
+    }
+    // A copy of a pattern of bodies is edited with its whole pattern.
+    if (const std::string set = parameterText(feature.parameters, "set"); !set.empty()) {
+        const auto* patternSet = document.findAs<PatternSetObject>(set);
+        if (!patternSet) return false;
+        open(editPatternSetForm(document, *patternSet));
+        return true;
+    }
+    const ParamFeatureType* type = paramFeatureTypes().find(feature.typeId);
+    if (!type || type->formId.empty() || type->command.empty()) return false;
+    open(editParamFeatureForm(document, feature));
     return true;
 }
 
@@ -110,6 +184,14 @@ bool FormController::openEditForm(const std::string& featureId) {
         open(editHoleForm(document, *hole));
     else if (const auto* thread = document.findAs<ThreadFeature>(featureId))
         open(editThreadForm(document, *thread));
+    else if (const auto* param = document.findAs<ParamFeature>(featureId))
+        return openParamEditForm(*param);
+    else if (const auto* plane = document.findAs<PlaneObject>(featureId))
+        open(editPlaneForm(document, *plane));
+    else if (const auto* section = document.findAs<SectionObject>(featureId))
+        open(editSectionForm(document, *section));
+    else if (const auto* set = document.findAs<PatternSetObject>(featureId))
+        open(editPatternSetForm(document, *set));
     else
         return false;
     return true;
@@ -227,7 +309,9 @@ void FormController::update() {
         if (!tried.ok) form.setAcceptEnabled(false);
         const QString problem =
             tried.ok ? failureNote(tried.message) : QString::fromStdString(tried.message);
-        if (!problem.isEmpty()) form.showMessage(problem, true);
+        // A command asking for a pick ("Pick the mirror plane.") prompts; it is no error.
+        const bool prompt = !tried.ok && problem.startsWith(QStringLiteral("Pick "));
+        if (!problem.isEmpty()) form.showMessage(problem, !prompt);
     } else if (definition_.preview) {
         Result<FormPreview> preview = definition_.preview(form);
         session_->showPreview(preview ? *preview : FormPreview{});

@@ -26,7 +26,8 @@ class QWidget;
 
 namespace cad {
 class CommandStack;
-}
+class ParamFeature;
+} // namespace cad
 namespace cad::rendering {
 class Viewport;
 }
@@ -51,11 +52,21 @@ public:
 
     void setSelectionProvider(SelectionProvider provider);
 
-    // "Extrude", "Box", "Fillet", "Chamfer", "Shell", "Hole" or "Thread", starting from
-    // what is selected; false for a feature that has no form.
+    // "Extrude", "Box", "Fillet", "Chamfer", "Shell", "Hole", "Thread", or the type of
+    // any parametric kind that has a form ("Revolve", "Sweep", "Loft", "Combine",
+    // "SplitBody", "DeleteFaces", ...), starting from what is selected; false for a
+    // feature that has no form.
     bool openFeatureForm(const QString& featureName);
-    // The edit form of an existing extrude, fillet, chamfer, shell, hole or thread;
-    // false when there is none.
+    // The Reference Plane and Section Analysis forms.
+    bool openPlaneForm();
+    bool openSectionForm();
+    // The Mirror form; false while the mirror kinds aren't registered.
+    bool openMirrorForm();
+    // "rectangular", "circular" or "path"; false for any other word.
+    bool openPatternForm(const QString& kind);
+    // The edit form of an existing extrude, fillet, chamfer, shell, hole, thread,
+    // parametric feature whose kind has a form, reference plane, section or pattern
+    // set; false when there is none.
     bool openEditForm(const std::string& featureId);
     // Any form; an open one is cancelled first.
     void open(FormDefinition definition);
@@ -87,6 +98,11 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // The form a parametric kind is made in: its own table's, or the mirror or pattern form.
+    bool openParamFeatureForm(const std::string& typeId, const std::vector<std::string>& selection);
+    // A feature pattern in its pattern form, a copy of a pattern set with the set, any
+    // other kind with a form in the rows of its table.
+    bool openParamEditForm(const ParamFeature& feature);
     // changed, then complete and build, then the preview or the trial edit.
     void update();
     // The form's commands: those it needs first, then its own, as one step.

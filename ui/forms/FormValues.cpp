@@ -6,6 +6,7 @@
 #include "core/GeometryObject.h"
 #include "core/units/Format.h"
 #include "geometry/References.h"
+#include "geometry/param/FeatureArgument.h"
 #include "ui/forms/FeatureForm.h"
 #include "ui/presentation/ReferencePicker.h"
 
@@ -20,6 +21,24 @@ QString valueText(const std::map<std::string, units::Expression>& expressions,
     const auto it = expressions.find(key);
     return it != expressions.end() ? QString::fromStdString(it->second.text)
                                    : lengthText(value, document);
+}
+
+QString plainNumberText(double value) { return QString::number(value, 'g', 12); }
+
+QString argumentText(const FeatureArgument& argument, const nlohmann::json& value,
+                     const std::map<std::string, units::Expression>& expressions,
+                     const Document& document) {
+    using Kind = FeatureArgument::Kind;
+    if (const auto it = expressions.find(argument.key); it != expressions.end())
+        return QString::fromStdString(it->second.text);
+    const nlohmann::json& v = value.is_null() ? argument.fallback : value;
+    if (v.is_boolean()) return v.get<bool>() ? QStringLiteral("true") : QStringLiteral("false");
+    if (v.is_number() && argument.kind == Kind::Length)
+        return lengthText(v.get<double>(), document);
+    if (v.is_number_integer()) return QString::number(v.get<std::int64_t>());
+    if (v.is_number()) return plainNumberText(v.get<double>());
+    if (v.is_string()) return QString::fromStdString(v.get<std::string>());
+    return argument.kind == Kind::Bool ? QStringLiteral("false") : QString();
 }
 
 std::string joinReferences(const std::vector<std::string>& references) {

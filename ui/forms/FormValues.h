@@ -7,6 +7,8 @@
 #include "core/Result.h"
 #include "core/units/Expression.h"
 
+#include <nlohmann/json.hpp>
+
 #include <QString>
 #include <QStringList>
 
@@ -16,7 +18,8 @@
 
 namespace cad {
 class Document;
-}
+struct FeatureArgument;
+} // namespace cad
 
 namespace cad::ui {
 
@@ -28,6 +31,14 @@ QString lengthText(double millimetres, const Document& document);
 // else the value itself.
 QString valueText(const std::map<std::string, units::Expression>& expressions,
                   const std::string& key, double value, const Document& document);
+// A plain number as a row shows it ("22.5"), whatever the locale.
+QString plainNumberText(double value);
+// What the row of a kind's argument starts with for a stored value: the expression it
+// follows when it has one, else the value (a length in the document's unit, a flag as
+// "true" or "false", references as a list); a null value: the argument's fallback.
+QString argumentText(const FeatureArgument& argument, const nlohmann::json& value,
+                     const std::map<std::string, units::Expression>& expressions,
+                     const Document& document);
 // "a;b;c", as the commands take lists.
 std::string joinReferences(const std::vector<std::string>& references);
 
