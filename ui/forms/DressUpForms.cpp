@@ -217,12 +217,7 @@ FormDefinition editDressUpForm(const Document& document, const DressUpFeature& f
             record.set("tangent_chain", f.flag(QStringLiteral("tangent_chain")));
         return record;
     };
-    form.complete = [changes](FeatureForm& f) {
-        Result<CommandRecord> record = changes(f, false);
-        return !record || record->arguments.size() > 1;
-    };
-    form.build = [changes](FeatureForm& f) { return changes(f, true); };
-    form.session = [id](FeatureForm&) { return std::optional(FormSession::Handle{id}); };
+    finishEditForm(form, changes, id);
     return form;
 }
 

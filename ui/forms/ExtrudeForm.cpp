@@ -271,13 +271,7 @@ FormDefinition editExtrudeForm(const Document& document, const ExtrudeFeature& f
              {"distance", "operation", "extent", "distance2", "thin", "thickness", "thin_side"})
             (*initial)[QString::fromLatin1(key)] = f.text(QString::fromLatin1(key));
     };
-    // Nothing to try or run until something differs from the feature.
-    form.complete = [changes](FeatureForm& f) {
-        Result<CommandRecord> record = changes(f, false);
-        return !record || record->arguments.size() > 1;
-    };
-    form.build = [changes](FeatureForm& f) { return changes(f, true); };
-    form.session = [id](FeatureForm&) { return std::optional(FormSession::Handle{id}); };
+    finishEditForm(form, changes, id);
     return form;
 }
 

@@ -63,6 +63,17 @@ QString patternWord(const std::string& formId) {
 
 } // namespace
 
+void finishEditForm(FormDefinition& form, EditChanges changes, const std::string& objectId) {
+    form.complete = [changes](FeatureForm& f) {
+        Result<CommandRecord> record = changes(f, false);
+        return f.missingPrompt().isEmpty() && (!record || record->arguments.size() > 1);
+    };
+    form.build = [changes](FeatureForm& f) { return changes(f, true); };
+    form.session = [objectId](FeatureForm&) {
+        return std::optional(FormSession::Handle{objectId});
+    };
+}
+
 Result<CommandRecord> checkForm(const FormDefinition& definition, FeatureForm& form) {
     form.revalidate();
     form.showMessage({});

@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace cad::ui {
@@ -40,6 +41,14 @@ struct FormDefinition {
     // or a new feature tried on its body.
     std::function<std::optional<FormSession::Handle>(FeatureForm&)> session;
 };
+
+// What an edit form's rows change, as the edit command: with `check` the values are
+// evaluated (a bad one comes back as its sentence); without, it only lists what differs.
+using EditChanges = std::function<Result<CommandRecord>(const FeatureForm&, bool check)>;
+// An edit form's last callbacks: it may be accepted once something differs from the
+// object and nothing it needs is unpicked; its command is the change, tried live on the
+// object as the rows change.
+void finishEditForm(FormDefinition& form, EditChanges changes, const std::string& objectId);
 
 // One check of the form, as every change makes it: the rows evaluate again, `changed`
 // runs, then `complete` and `build`. An incomplete form shows what is missing, a build

@@ -239,13 +239,7 @@ FormDefinition editParamFeatureForm(const Document& document, const ParamFeature
         }
         return record;
     };
-    // Nothing to try or run until something differs from the feature.
-    form.complete = [changes](FeatureForm& f) {
-        Result<CommandRecord> record = changes(f, false);
-        return f.missingPrompt().isEmpty() && (!record || record->arguments.size() > 1);
-    };
-    form.build = [changes](FeatureForm& f) { return changes(f, true); };
-    form.session = [id](FeatureForm&) { return std::optional(FormSession::Handle{id}); };
+    finishEditForm(form, changes, id);
     return form;
 }
 

@@ -256,13 +256,8 @@ FormDefinition editPattern(const Document& document, const PatternKind& kind, bo
         if (Result<void> ok = putLayout(record, f, kind, false, wanted); !ok) return Error(ok);
         return record;
     };
-    form.complete = [changes](FeatureForm& f) {
-        Result<CommandRecord> record = changes(f, false);
-        return f.missingPrompt().isEmpty() && (!record || record->arguments.size() > 1);
-    };
-    form.build = [changes](FeatureForm& f) { return changes(f, true); };
     const std::string id = object.id;
-    form.session = [id](FeatureForm&) { return std::optional(FormSession::Handle{id}); };
+    finishEditForm(form, changes, id);
     return form;
 }
 

@@ -268,12 +268,7 @@ FormDefinition editPlaneForm(const Document& document, const PlaneObject& plane)
         if (Result<void> ok = putValues(record, f, false, wanted); !ok) return Error(ok);
         return record;
     };
-    form.complete = [changes](FeatureForm& f) {
-        Result<CommandRecord> record = changes(f, false);
-        return f.missingPrompt().isEmpty() && (!record || record->arguments.size() > 1);
-    };
-    form.build = [changes](FeatureForm& f) { return changes(f, true); };
-    form.session = [id](FeatureForm&) { return std::optional(FormSession::Handle{id}); };
+    finishEditForm(form, changes, id);
     return form;
 }
 

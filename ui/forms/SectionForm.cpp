@@ -116,12 +116,7 @@ FormDefinition editSectionForm(const Document& document, const SectionObject& se
         }
         return record;
     };
-    form.complete = [changes](FeatureForm& f) {
-        Result<CommandRecord> record = changes(f, false);
-        return f.missingPrompt().isEmpty() && (!record || record->arguments.size() > 1);
-    };
-    form.build = [changes](FeatureForm& f) { return changes(f, true); };
-    form.session = [id](FeatureForm&) { return std::optional(FormSession::Handle{id}); };
+    finishEditForm(form, changes, id);
     return form;
 }
 

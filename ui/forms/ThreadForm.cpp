@@ -161,12 +161,7 @@ FormDefinition editThreadForm(const Document& document, const ThreadFeature& fea
             record.set("modeled", f.flag(QStringLiteral("modeled")));
         return record;
     };
-    form.complete = [changes](FeatureForm& f) {
-        Result<CommandRecord> record = changes(f, false);
-        return !record || record->arguments.size() > 1;
-    };
-    form.build = [changes](FeatureForm& f) { return changes(f, true); };
-    form.session = [id](FeatureForm&) { return std::optional(FormSession::Handle{id}); };
+    finishEditForm(form, changes, id);
     return form;
 }
 
