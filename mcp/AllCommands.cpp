@@ -14,6 +14,7 @@
 #include "geometry/param/ParamTypes.h"
 #include "geometry/patterns/PatternCommands.h"
 #include "sketch/SketchCommands.h"
+#include "sketch/ops/SketchOperationCommands.h"
 #include "sketch/SketchJson.h"
 
 #include <algorithm>
@@ -66,6 +67,7 @@ void registerAllCommands(CommandRegistry& registry) {
     registerParamCommands(scratch);
     registerHistoryCommands(scratch);
     registerSketchCommands(scratch);
+    registerSketchOperationCommands(scratch);
     registerParameterCommands(scratch);
 
     std::vector<bool> moved(scratch.entries().size(), false);
