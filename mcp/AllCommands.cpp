@@ -13,9 +13,11 @@
 #include "geometry/param/ParamCommands.h"
 #include "geometry/param/ParamTypes.h"
 #include "geometry/patterns/PatternCommands.h"
+#include "geometry/projection/ProjectionCommands.h"
 #include "sketch/SketchCommands.h"
-#include "sketch/ops/SketchOperationCommands.h"
 #include "sketch/SketchJson.h"
+#include "sketch/ops/SketchOperationCommands.h"
+#include "sketch/patterns/SketchPatternCommands.h"
 
 #include <algorithm>
 #include <string>
@@ -68,6 +70,8 @@ void registerAllCommands(CommandRegistry& registry) {
     registerHistoryCommands(scratch);
     registerSketchCommands(scratch);
     registerSketchOperationCommands(scratch);
+    registerSketchPatternCommands(scratch);
+    registerProjectionCommands(scratch);
     registerParameterCommands(scratch);
 
     std::vector<bool> moved(scratch.entries().size(), false);

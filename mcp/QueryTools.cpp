@@ -101,6 +101,9 @@ ordered_json documentAnswer(McpHost& host) {
             completePlaced(record, plane->placed, plane->placement, plane->error);
         else if (auto* section = dynamic_cast<const SectionObject*>(object.get()))
             completePlaced(record, section->placed, section->placement, section->error);
+        // Projected geometry that can't follow its source says so.
+        if (auto* sketch = dynamic_cast<const SketchObject*>(object.get()))
+            if (std::string error = sketch->error(); !error.empty()) record["error"] = error;
     }
     ordered_json answer = ordered_json::object();
     answer["file"] = host.currentPath();
@@ -132,6 +135,7 @@ ToolAnswer getSketchTool(McpHost& host, const ToolArguments& arguments) {
         type->write(*sketch, record, sideFiles);
     }
     record["analysis"] = sketchAnalysis(*sketch);
+    if (std::string error = sketch->error(); !error.empty()) record["error"] = error;
     ordered_json points = ordered_json::array();
     for (const NamedPoint& p : namedPoints(sketch->entities)) {
         ordered_json point = ordered_json::object();

@@ -7,6 +7,7 @@
 #include "core/OriginPlanes.h"
 #include "sketch/SketchConstraint.h"
 #include "sketch/SketchEntity.h"
+#include "sketch/SketchProjectionHook.h"
 
 #include <string>
 #include <string_view>
@@ -27,7 +28,8 @@ public:
     std::string_view typeName() const override { return "Sketch"; }
     // The objects named by the support and by the sources of projected entities.
     std::vector<std::string> dependencies() const override;
-    // Follows a support plane or face; true when the plane moved.
+    // Follows a support plane or face, then brings projected entities up to date
+    // with their sources; true when the plane or any entity moved.
     bool recompute(const Document& document) override;
 
     // Dimensions typed as expressions, keyed by the dimension's ID; re-evaluating
@@ -55,6 +57,12 @@ public:
     std::vector<SketchEntity> entities;
     std::vector<SketchConstraint> constraints;
     std::vector<SketchPattern> patterns;
+    // What the last recompute couldn't bring up to date: projected entities whose
+    // sources are gone or changed, constraints that can't follow the projections.
+    std::vector<ProjectionProblem> projectionProblems;
+    // The sentences of those problems that still apply (an entity deleted or
+    // redrawn since has none), joined; empty when there are none.
+    std::string error() const;
 };
 
 inline std::string nextEntityId(const SketchObject& sketch, std::string_view prefix) {

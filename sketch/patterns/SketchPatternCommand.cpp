@@ -1,0 +1,126 @@
+// Making a sketch pattern: the selection is copy 0 and stays; every other copy is
+// the selection moved rigidly. Copies are free geometry: the constraints among the
+// selection are not repeated on them, so editing the pattern can remake them freely.
+#include "sketch/patterns/SketchPatternCommand.h"
+
+#include "core/ArgReader.h"
+#include "sketch/patterns/PatternLayout.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace cad {
+
+namespace {
+
+// More than this many new entities at once is almost certainly a slip.
+constexpr std::size_t kMostNewEntities = 100000;
+
+// Hands out new IDs as nextEntityId would, one after another, without going through
+// the whole list for each.
+class EntityIds {
+public:
+    explicit EntityIds(const std::vector<SketchEntity>& entities) {
+        for (const SketchEntity& e : entities) used_.insert(e.id);
+    }
+    std::string next(std::string_view prefix) {
+        long long& n = tried_[std::string(prefix)];
+        std::string id;
+        do id = std::string(prefix) + std::to_string(++n);
+        while (used_.count(id));
+        used_.insert(id);
+        return id;
+    }
+
+private:
+    std::set<std::string, std::less<>> used_;
+    std::map<std::string, long long, std::less<>> tried_; // numbers already looked at
+};
+
+int totalCopies(const PatternSpec& spec) {
+    return spec.kind == PatternKind::Rectangular ? spec.count * spec.count2 : spec.count;
+}
+
+} // namespace
+
+Result<std::unique_ptr<Command>> SketchPatternCommand::create(PatternKind kind,
+                                                              const CommandRecord& record) {
+    ArgReader reader(record);
+    if (Result<void> ok = reader.allowDeclared(patternArguments(kind)); !ok) return Error(ok);
+    Result<std::string> sketch = reader.object("sketch");
+    if (!sketch) return Error(sketch);
+    Result<PatternSpec> spec = readPatternSpec(kind, record);
+    if (!spec) return Error(spec);
+    return std::unique_ptr<Command>(
+        std::make_unique<SketchPatternCommand>(record, *sketch, std::move(spec).value()));
+}
+
+Result<std::vector<std::string>> makePatternCopies(const PatternSpec& spec,
+                                                   std::vector<SketchEntity>& entities) {
+    std::vector<SketchEntity> selection;
+    for (const std::string& id : spec.entities) {
+        const SketchEntity* entity = findEntity(entities, id);
+        if (!entity) return fail("No entity named '" + id + "'.");
+        const bool twice = std::any_of(selection.begin(), selection.end(),
+                                       [&](const SketchEntity& e) { return e.id == id; });
+        if (!twice) selection.push_back(*entity);
+    }
+    if (selection.empty()) return fail("Choose what to pattern.");
+
+    const std::size_t newEntities =
+        static_cast<std::size_t>(totalCopies(spec) - 1) * selection.size();
+    if (newEntities > kMostNewEntities)
+        return fail("That pattern would make " + std::to_string(newEntities) +
+                    " entities; at most " + std::to_string(kMostNewEntities) + " at a time.");
+    Result<std::vector<RigidMotion>> motions = patternMotions(spec, entities);
+    if (!motions) return Error(motions);
+
+    std::vector<std::string> made;
+    EntityIds ids(entities);
+    for (const RigidMotion& motion : *motions) {
+        for (const SketchEntity& original : selection) {
+            Result<SketchGeometry> geometry = moveGeometry(original.geometry, motion);
+            if (!geometry) return geometry.withPrefix(original.id + ": ");
+            SketchEntity copy;
+            copy.geometry = std::move(geometry).value();
+            copy.construction = original.construction;
+            // A copy is plain geometry: in no group, following nothing.
+            copy.id = ids.next(entityKindName(copy));
+            if (Result<void> valid = validateEntity(copy); !valid)
+                return fail("A copy of " + original.id + " would be invalid: " + valid.error());
+            made.push_back(copy.id);
+            entities.push_back(std::move(copy));
+        }
+    }
+    return made;
+}
+
+std::string patternSummary(const PatternSpec& spec) {
+    std::vector<std::string> distinct;
+    for (const std::string& id : spec.entities)
+        if (std::find(distinct.begin(), distinct.end(), id) == distinct.end())
+            distinct.push_back(id);
+    const std::size_t n = distinct.size();
+    return std::to_string(n) + (n == 1 ? " entity" : " entities") + " into " +
+           std::to_string(totalCopies(spec)) + " copies";
+}
+
+std::string nextPatternId(const std::vector<SketchPattern>& patterns) {
+    for (int n = 1;; ++n) {
+        std::string id = "Pattern" + std::to_string(n);
+        if (std::none_of(patterns.begin(), patterns.end(),
+                         [&](const SketchPattern& p) { return p.id == id; }))
+            return id;
+    }
+}
+
+Result<std::string> SketchPatternCommand::change(const Document&, const SketchObject&,
+                                                 Lists& lists) {
+    Result<std::vector<std::string>> copies = makePatternCopies(spec_, lists.entities);
+    if (!copies) return Error(copies);
+    lists.patterns.push_back({nextPatternId(lists.patterns), record_, std::move(copies).value()});
+    return "Patterned " + patternSummary(spec_) + ".";
+}
+
+} // namespace cad
