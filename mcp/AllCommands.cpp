@@ -10,6 +10,7 @@
 #include "geometry/GeometryTypes.h"
 #include "geometry/holes/HoleCommands.h"
 #include "geometry/holes/HoleTypes.h"
+#include "geometry/materials/MaterialCommands.h"
 #include "geometry/param/ParamCommands.h"
 #include "geometry/param/ParamTypes.h"
 #include "geometry/patterns/PatternCommands.h"
@@ -64,6 +65,7 @@ void registerAllCommands(CommandRegistry& registry) {
     CommandRegistry scratch;
     registerGeometryCommands(scratch);
     registerHoleCommands(scratch);
+    registerMaterialCommands(scratch);
     // Adds the pattern kinds, so it goes before the parametric commands.
     registerPatternCommands(scratch);
     registerParamCommands(scratch);

@@ -6,6 +6,7 @@
 #include "core/Document.h"
 #include "core/GeometryObject.h"
 #include "geometry/References.h"
+#include "geometry/materials/BodyMaterial.h"
 #include "mcp/McpHost.h"
 #include "mcp/QueryTools.h"
 
@@ -329,9 +330,25 @@ const ShapeMeasures& measureShape(const TopoDS_Shape& shape) {
     return remembered.back().measures;
 }
 
+// The material keys of a summary: the material that applies, and with a listed one
+// its density and the mass of `volume` (none for an empty body).
+void addMaterialKeys(ordered_json& s, const Document& document, const GeometryObject& body,
+                     const double* volume) {
+    const std::string id = materialIdOf(document, body);
+    if (id.empty()) return;
+    const Material* material = findMaterial(id);
+    s["material"] = material ? std::string(material->id) : id;
+    if (!material) return;
+    s["density_kg_m3"] = roundMeasure(material->densityKgM3);
+    if (!volume) return;
+    const double kilograms = massKilograms(material->densityKgM3, *volume);
+    s["mass_kg"] = roundMeasure(kilograms);
+    s["mass_lb"] = roundMeasure(kilograms / kKilogramsPerPound);
+}
+
 } // namespace
 
-ordered_json bodySummary(const GeometryObject& body) {
+ordered_json bodySummary(const GeometryObject& body, const Document& document) {
     ordered_json s = ordered_json::object();
     const TopoDS_Shape& shape = body.shape.shape();
     const bool empty = !hasSolid(shape);
@@ -344,10 +361,10 @@ ordered_json bodySummary(const GeometryObject& body) {
             s["bounds"] =
                 ordered_json::array({triple(m.boundsMin.XYZ()), triple(m.boundsMax.XYZ())});
             s["faces"] = m.faces;
-            if (!body.material.empty()) s["material"] = body.material;
+            addMaterialKeys(s, document, body, &m.volume);
             s["center_of_mass"] = triple(m.centerOfMass.XYZ());
-        } else if (!body.material.empty()) {
-            s["material"] = body.material;
+        } else {
+            addMaterialKeys(s, document, body, nullptr);
         }
     } catch (const Standard_Failure&) {
         s["error"] = "Couldn't measure " + body.id + ".";
@@ -367,7 +384,7 @@ ToolAnswer getBodyTool(McpHost& host, const ToolArguments& arguments) {
     ordered_json answer = ordered_json::object();
     answer["body"] = body->id;
     answer["label"] = body->label;
-    answer["measured"] = bodySummary(*body);
+    answer["measured"] = bodySummary(*body, host.document());
     struct Kind {
         const char* key;
         const char* word;

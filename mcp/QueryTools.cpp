@@ -8,6 +8,7 @@
 #include "core/DocumentJson.h"
 #include "core/GeometryObject.h"
 #include "core/JsonLayout.h"
+#include "geometry/materials/MaterialListing.h"
 #include "geometry/planes/PlaneObject.h"
 #include "geometry/planes/SectionObject.h"
 #include "mcp/AllCommands.h"
@@ -91,7 +92,7 @@ ordered_json documentAnswer(McpHost& host) {
     for (const auto& object : document.objects()) {
         ordered_json& record = records[i++];
         if (auto* body = dynamic_cast<const GeometryObject*>(object.get()))
-            record["measured"] = bodySummary(*body);
+            record["measured"] = bodySummary(*body, document);
         else if (auto* sketch = dynamic_cast<const SketchObject*>(object.get()))
             record["analysis"] = sketchAnalysis(*sketch);
         else if (auto* feature = dynamic_cast<const FeatureObject*>(object.get());
@@ -146,6 +147,11 @@ ToolAnswer getSketchTool(McpHost& host, const ToolArguments& arguments) {
     }
     record["named_points"] = std::move(points);
     return ToolAnswer::success(toolJsonText(record));
+}
+
+ToolAnswer listMaterialsTool(McpHost&, const ToolArguments& arguments) {
+    KORVEL_CHECK(arguments.allow({}));
+    return ToolAnswer::success(toolJsonText(materialListing()));
 }
 
 ToolAnswer undoTool(McpHost& host, const ToolArguments& arguments) {

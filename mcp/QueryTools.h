@@ -26,6 +26,7 @@ nlohmann::ordered_json documentAnswer(McpHost& host);
 
 ToolAnswer getDocumentTool(McpHost& host, const ToolArguments& arguments);
 ToolAnswer getSketchTool(McpHost& host, const ToolArguments& arguments);
+ToolAnswer listMaterialsTool(McpHost& host, const ToolArguments& arguments);
 ToolAnswer undoTool(McpHost& host, const ToolArguments& arguments);
 ToolAnswer redoTool(McpHost& host, const ToolArguments& arguments);
 ToolAnswer newDocumentTool(McpHost& host, const ToolArguments& arguments);

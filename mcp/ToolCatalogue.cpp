@@ -68,6 +68,10 @@ std::vector<QueryTool> buildQueryTools() {
         "One sketch in detail: entities, constraints, degrees of freedom, and every named point "
         "(\"Line1.end\" ...) with its coordinates, for building references.",
         {{"sketch", true, "e.g. \"Sketch1\""}}, true, true, getSketchTool);
+    add("list_materials",
+        "The physical materials (set_material: density in kg/m^3 for mass, strength, a default "
+        "look) and the appearances (set_appearance: color and finish) to choose from.",
+        {}, true, false, listMaterialsTool);
     add("undo", "Undo the last change (one tool call is one step).", {}, false, false, undoTool);
     add("redo", "Redo the last undone change.", {}, false, false, redoTool);
     add("new_document", "Start a new, empty document (unsaved changes are discarded).", {}, false,

@@ -155,9 +155,10 @@ TEST(McpToolList, QueryToolsSurroundTheCommandsInCatalogueOrder) {
     HeadlessSession s;
     json tools = s.session.send(request(1, "tools/list"))["result"]["tools"];
     const auto& entries = s.host.registry().entries();
-    ASSERT_EQ(tools.size(), entries.size() + 11);
+    ASSERT_EQ(tools.size(), entries.size() + 12);
     std::vector<std::string> names;
     for (const json& t : tools) names.push_back(t["name"]);
+    EXPECT_EQ(names[4 + entries.size()], "list_materials");
     const std::vector<std::string> first{"get_document", "get_body", "measure", "get_sketch"};
     const std::vector<std::string> last{
         "undo", "redo", "new_document", "open_project", "save_project", "screenshot", "set_view"};
@@ -167,7 +168,7 @@ TEST(McpToolList, QueryToolsSurroundTheCommandsInCatalogueOrder) {
     EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
 
     const std::set<std::string> readOnly{"get_document", "get_body", "measure", "get_sketch",
-                                         "screenshot"};
+                                         "list_materials", "screenshot"};
     for (const json& t : tools) {
         bool marked = t.contains("annotations") && t["annotations"].value("readOnlyHint", false);
         EXPECT_EQ(marked, readOnly.count(t["name"]) == 1) << t["name"];
