@@ -219,7 +219,8 @@ std::vector<NamedEdge> sketchEdges(const SketchObject& sketch) {
     std::vector<NamedEdge> out;
     for (const SketchEntity& entity : sketch.entities) {
         if (entity.construction) continue;
-        for (const SketchCurve& c : entityCurves(entity)) {
+        // With the sketch: text laid on a path follows it.
+        for (const SketchCurve& c : entityCurves(entity, sketch.entities)) {
             Handle(Geom_Curve) curve = GeomAPI::To3d(c.curve, plane);
             BRepBuilderAPI_MakeEdge make(curve);
             if (!make.IsDone()) continue;

@@ -3,7 +3,11 @@
 #include "sketch/AddEntityCommand.h"
 
 #include "core/ArgReader.h"
+#include "core/units/Length.h"
+#include "core/units/NameLookup.h"
 #include "sketch/SplinePoints.h"
+#include "sketch/text/TextLayout.h"
+#include "sketch/text/TextOptions.h"
 
 #include <cmath>
 #include <numbers>
@@ -204,6 +208,19 @@ Result<SketchGeometry> readSlot(const ArgReader& reader) {
     return SketchGeometry(s);
 }
 
+// A new text: the defaults, then what was given. The size is shown in the
+// document's unit unless the command says otherwise.
+Result<SketchGeometry> readText(const ArgReader& reader, const CommandRecord& record) {
+    Result<std::string> words = reader.string("text");
+    if (!words) return Error(words);
+    Result<text::TextChanges> changes = text::readTextChanges(record);
+    if (!changes) return Error(changes);
+    SketchText t;
+    t.sizeUnit = std::string(units::unitAbbreviation(units::currentLengthUnit()));
+    changes->applyTo(t);
+    return SketchGeometry(std::move(t));
+}
+
 } // namespace
 
 std::vector<ArgSpec> AddEntityCommand::arguments(EntityKind kind) {
@@ -265,6 +282,9 @@ std::vector<ArgSpec> AddEntityCommand::arguments(EntityKind kind) {
              lengthArg("x2", "Second end center."), lengthArg("y2", "Second end center."),
              lengthArg("width", "Full width.")});
         break;
+    case EntityKind::Text:
+        add(text::textArguments());
+        break;
     }
     declared.push_back(constructionArg());
     return declared;
@@ -298,6 +318,8 @@ Result<std::unique_ptr<Command>> AddEntityCommand::create(EntityKind kind,
             return readSpline(reader);
         case EntityKind::Slot:
             return readSlot(reader);
+        case EntityKind::Text:
+            return readText(reader, record);
         }
         return fail(command + ": unknown entity kind.");
     }();
@@ -329,6 +351,11 @@ Result<std::unique_ptr<Command>> AddEntityCommand::create(EntityKind kind,
 }
 
 Result<std::string> AddEntityCommand::edit(const SketchObject& sketch, Lists& lists) {
+    // Text is refused when it can't be laid out: a font that isn't installed, a path
+    // that isn't a curve of this sketch.
+    if (const auto* t = std::get_if<SketchText>(&entity_.geometry))
+        if (auto layout = text::layoutTextStrictly(*t, lists.entities); !layout)
+            return Error(layout);
     if (entity_.id.empty()) {
         entity_.id = nextEntityId(lists.entities, entityKindName(entity_));
     } else if (findEntity(lists.entities, entity_.id)) {

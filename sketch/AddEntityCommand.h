@@ -1,5 +1,6 @@
-// The add commands (add_line, add_circle, ... add_slot): one new entity each, made
-// from the arguments and checked when the command is read; adding never solves.
+// The add commands (add_line, add_circle, ... add_slot, add_text): one new entity
+// each, made from the arguments and checked when the command is read (text is laid
+// out when it is added, against the sketch it goes into); adding never solves.
 #pragma once
 
 #include "core/CommandRegistry.h"

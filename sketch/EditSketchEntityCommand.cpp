@@ -1,11 +1,12 @@
 // edit_sketch_entity: applying the given values to a copy of the entity, checking it
-// and the constraints that use it, and solving with it held.
+// (a text must still lay out) and the constraints that use it, and solving with it held.
 #include "sketch/EditSketchEntityCommand.h"
 
 #include "core/ArgReader.h"
 #include "sketch/SketchReference.h"
 #include "sketch/SketchSolver.h"
 #include "sketch/SplinePoints.h"
+#include "sketch/text/TextLayout.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,9 +18,10 @@ namespace {
 
 using T = ArgType;
 
-constexpr const char* kLengthKeys[] = {"x1", "y1",     "x2",       "y2",          "length",
-                                       "x",  "y",      "width",    "height",      "cx",
-                                       "cy", "radius", "diameter", "across_flats"};
+// "height" is read apart: a text's size may also be given in points ("12pt").
+constexpr const char* kLengthKeys[] = {"x1",     "y1",       "x2",          "y2", "length",
+                                       "x",      "y",        "width",       "cx", "cy",
+                                       "radius", "diameter", "across_flats"};
 constexpr const char* kAngleKeys[] = {"angle", "start_angle", "sweep_angle", "rotation"};
 
 double radians(double degrees) { return degrees * std::numbers::pi / 180.0; }
@@ -96,6 +98,11 @@ public:
         }
         return changed_;
     }
+    bool operator()(SketchText& t) {
+        if (!c_.text.any()) return false;
+        c_.text.applyTo(t);
+        return true;
+    }
     bool operator()(SketchSlot& s) {
         take("x1", s.start.x);
         take("y1", s.start.y);
@@ -137,7 +144,7 @@ std::vector<ArgSpec> EditSketchEntityCommand::arguments() {
     auto angle = [](const char* name, const char* description) {
         return ArgSpec{name, T::Angle, false, description, {}, ""};
     };
-    return {
+    std::vector<ArgSpec> declared{
         {"sketch", T::String, true, "The sketch's ID or name.", {}, "sketch"},
         {"entity", T::String, true, "The entity, e.g. \"Circle1\".", {}, ""},
         length("x1", "Line or slot start x."),
@@ -146,10 +153,10 @@ std::vector<ArgSpec> EditSketchEntityCommand::arguments() {
         length("y2", "Line or slot end y."),
         length("length", "Line length (the start stays)."),
         angle("angle", "Line direction, degrees."),
-        length("x", "Point x, or a rectangle's lower-left corner x."),
-        length("y", "Point y, or a rectangle's lower-left corner y."),
+        length("x", "Point x, a rectangle's lower-left corner x, or where a text sits."),
+        length("y", "Point y, a rectangle's lower-left corner y, or where a text sits."),
         length("width", "Rectangle or slot width."),
-        length("height", "Rectangle height."),
+        length("height", "Rectangle height, or a text's cap height (or \"12pt\")."),
         length("cx", "Center x."),
         length("cy", "Center y."),
         length("radius", "Circle, arc or polygon radius."),
@@ -162,6 +169,13 @@ std::vector<ArgSpec> EditSketchEntityCommand::arguments() {
         {"points", T::String, false, "Spline fit points: \"x,y; x,y; ...\".", {}, ""},
         {"closed", T::Boolean, false, "Spline: closed and periodic.", {}, ""},
     };
+    for (ArgSpec& spec : text::textArguments()) {
+        const auto& only = text::textOnlyKeys();
+        if (std::find(only.begin(), only.end(), spec.name) == only.end()) continue;
+        spec.required = false;
+        declared.push_back(std::move(spec));
+    }
+    return declared;
 }
 
 Result<std::unique_ptr<Command>> EditSketchEntityCommand::create(const CommandRecord& record) {
@@ -175,6 +189,11 @@ Result<std::unique_ptr<Command>> EditSketchEntityCommand::create(const CommandRe
         Result<double> v = reader.length(key);
         if (!v) return Error(v);
         changes.values[key] = *v;
+    }
+    if (reader.has("height")) {
+        Result<double> height = text::readTextHeight(record);
+        if (!height) return Error(height);
+        changes.values["height"] = *height;
     }
     for (const char* key : kAngleKeys) {
         if (!reader.has(key)) continue;
@@ -204,6 +223,9 @@ Result<std::unique_ptr<Command>> EditSketchEntityCommand::create(const CommandRe
         if (!closed) return Error(closed);
         changes.closed = *closed;
     }
+    Result<text::TextChanges> textChanges = text::readTextChanges(record);
+    if (!textChanges) return Error(textChanges);
+    changes.text = std::move(textChanges).value();
     return std::unique_ptr<Command>(std::make_unique<EditSketchEntityCommand>(
         record, names->sketch, names->item, std::move(changes)));
 }
@@ -220,7 +242,13 @@ Result<std::string> EditSketchEntityCommand::edit(const SketchObject& sketch, Li
 
     Applier apply(changes_);
     if (!std::visit(apply, entity.geometry)) return fail("edit_sketch_entity: nothing to change.");
+    const auto* edited = std::get_if<SketchText>(&entity.geometry);
+    if (edited && edited->path.find_first_not_of(" \t\r\n") != std::string::npos)
+        if (auto path = text::findTextPath(*edited, lists.entities); !path) return Error(path);
     if (auto valid = validateEntity(entity); !valid) return Error(valid);
+    if (edited)
+        if (auto layout = text::layoutTextStrictly(*edited, lists.entities); !layout)
+            return Error(layout);
 
     for (const SketchConstraint& c : lists.constraints)
         for (const SketchRef& ref : c.refs)

@@ -4,6 +4,7 @@
 
 #include "core/CommandRegistry.h"
 #include "sketch/SketchEditCommand.h"
+#include "sketch/text/TextOptions.h"
 
 #include <map>
 #include <memory>
@@ -24,6 +25,7 @@ public:
         std::optional<int> sides;
         std::optional<std::vector<Point2>> points;
         std::optional<bool> closed;
+        text::TextChanges text; // a text's options, its position and size included
     };
 
     EditSketchEntityCommand(CommandRecord record, std::string sketch, std::string entity,

@@ -53,6 +53,11 @@ void registerSketchCommands(CommandRegistry& registry) {
     addEntityCommand(registry, "add_slot",
                      "Add a straight slot by its two end centers and its full width.",
                      EntityKind::Slot);
+    addEntityCommand(registry, "add_text",
+                     "Add text to a sketch: lettering whose glyph outlines are real geometry "
+                     "(closed contours, so it extrudes as raised or engraved lettering). Height "
+                     "is the cap height. Use text_to_outlines to turn it into editable curves.",
+                     EntityKind::Text);
 
     registry.add(
         "add_constraint",

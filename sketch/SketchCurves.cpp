@@ -2,6 +2,8 @@
 // entity is drawn: an arc with a negative sweep runs clockwise.
 #include "sketch/SketchCurves.h"
 
+#include "sketch/text/TextLayout.h"
+
 #include <GCE2d_MakeSegment.hxx>
 #include <Geom2dAPI_Interpolate.hxx>
 #include <Geom2d_Circle.hxx>
@@ -44,6 +46,7 @@ Handle(Geom2d_Curve) arc(Point2 c, double r, double start, double sweep) {
 
 struct CurveMaker {
     std::vector<Handle(Geom2d_Curve)>& out;
+    const std::vector<SketchEntity>* sketch = nullptr;
 
     void operator()(const SketchLine& l) const { out.push_back(segment(l.start, l.end)); }
     void operator()(const SketchCircle& c) const { out.push_back(circle(c.center, c.radius)); }
@@ -83,6 +86,16 @@ struct CurveMaker {
         out.push_back(segment({s.end.x + n.x, s.end.y + n.y}, {s.start.x + n.x, s.start.y + n.y}));
         out.push_back(arc(s.start, h, along + std::numbers::pi / 2, std::numbers::pi));
     }
+    // Contour after contour, each piece in its contour's order. A text that can't be
+    // laid out (its font and every fallback missing) has no curves.
+    void operator()(const SketchText& t) const {
+        auto layout = text::layoutTextForSketch(t, sketch);
+        if (!layout) return;
+        for (const text::Contour& contour : (*layout)->contours)
+            for (const text::OutlinePiece& piece : contour.pieces)
+                if (Handle(Geom2d_Curve) curve = text::pieceCurve(piece); !curve.IsNull())
+                    out.push_back(curve);
+    }
 };
 
 } // namespace
@@ -104,9 +117,14 @@ Handle(Geom2d_BSplineCurve) interpolateSpline(const SketchSpline& spline) {
 }
 
 std::vector<SketchCurve> entityCurves(const SketchEntity& entity) {
+    return entityCurves(entity, {});
+}
+
+std::vector<SketchCurve> entityCurves(const SketchEntity& entity,
+                                      const std::vector<SketchEntity>& sketch) {
     std::vector<Handle(Geom2d_Curve)> curves;
     try {
-        std::visit(CurveMaker{curves}, entity.geometry);
+        std::visit(CurveMaker{curves, &sketch}, entity.geometry);
     } catch (const Standard_Failure&) {
         return {}; // invalid values never reach a sketch; nothing to draw if they do
     }
@@ -121,7 +139,7 @@ std::vector<SketchCurve> sketchCurves(const std::vector<SketchEntity>& entities,
     std::vector<SketchCurve> out;
     for (const SketchEntity& e : entities) {
         if (e.construction && !withConstruction) continue;
-        for (SketchCurve& c : entityCurves(e)) out.push_back(std::move(c));
+        for (SketchCurve& c : entityCurves(e, entities)) out.push_back(std::move(c));
     }
     return out;
 }

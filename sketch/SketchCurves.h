@@ -1,6 +1,7 @@
 // A sketch's entities as OpenCASCADE 2D curves, for profiles and exports: lines and
 // polygon sides as segments, circles, arcs as trimmed circles, slots as two sides
-// and two half-circle ends, splines as interpolating B-splines.
+// and two half-circle ends, splines as interpolating B-splines, text as the pieces
+// of its glyph outlines.
 #pragma once
 
 #include "sketch/SketchEntity.h"
@@ -19,8 +20,11 @@ struct SketchCurve {
     Handle(Geom2d_Curve) curve;
 };
 
-// The curves of one entity; points make none.
+// The curves of one entity; points make none. Text laid on a path needs the sketch
+// it belongs to (without it, the text is laid out straight at its position).
 std::vector<SketchCurve> entityCurves(const SketchEntity& entity);
+std::vector<SketchCurve> entityCurves(const SketchEntity& entity,
+                                      const std::vector<SketchEntity>& sketch);
 // The curves of every entity, in entity order; construction geometry only when asked.
 std::vector<SketchCurve> sketchCurves(const std::vector<SketchEntity>& entities,
                                       bool withConstruction = false);

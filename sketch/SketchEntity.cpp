@@ -36,13 +36,14 @@ struct ParameterWriter {
         for (std::size_t i = 0; i < s.points.size(); ++i) s.points[i] = {v[2 * i], v[2 * i + 1]};
     }
     void operator()(SketchSlot& s) const { s = {{v[0], v[1]}, {v[2], v[3]}, v[4]}; }
+    void operator()(SketchText& t) const { t.position = {v[0], v[1]}; }
 };
 
 } // namespace
 
 std::string_view entityKindName(EntityKind kind) {
-    static constexpr std::array<std::string_view, 8> names{"Line", "Circle",  "Rectangle", "Point",
-                                                           "Arc",  "Polygon", "Spline",    "Slot"};
+    static constexpr std::array<std::string_view, 9> names{
+        "Line", "Circle", "Rectangle", "Point", "Arc", "Polygon", "Spline", "Slot", "Text"};
     auto i = static_cast<std::size_t>(kind);
     return i < names.size() ? names[i] : std::string_view("Entity");
 }
@@ -79,6 +80,9 @@ std::vector<double> entityParameters(const SketchEntity& entity) {
         }
         std::vector<double> operator()(const SketchSlot& s) const {
             return {s.start.x, s.start.y, s.end.x, s.end.y, s.width};
+        }
+        std::vector<double> operator()(const SketchText& t) const {
+            return {t.position.x, t.position.y};
         }
     };
     return std::visit(Reader{}, entity.geometry);

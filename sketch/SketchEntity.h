@@ -54,12 +54,45 @@ struct SketchSlot {
     double width = 0;
 };
 
-// The alternative index is the kind's tag value, stored in project files.
-// (Text, tag 8, joins when text layout is built.)
-using SketchGeometry = std::variant<SketchLine, SketchCircle, SketchRectangle, SketchPoint,
-                                    SketchArc, SketchPolygon, SketchSpline, SketchSlot>;
+enum class TextAlign { Left, Center, Right, Justify };
+enum class TextVAlign { Baseline, Bottom, Middle, Top };
+enum class TextSizeIs { CapHeight, FontSize };
 
-enum class EntityKind { Line = 0, Circle, Rectangle, Point, Arc, Polygon, Spline, Slot };
+// Lettering whose glyph outlines are its geometry (sketch/text lays it out). The
+// solver sees only the position; everything else is the text's own setting.
+struct SketchText {
+    std::string text;           // '\n' starts a new line
+    std::string font = "Arial"; // an installed font family
+    double height = 5;          // mm: the cap height, or the em with sizeIs FontSize
+    Point2 position;            // where the first line's baseline starts (by align, valign)
+    double angle = 0;           // degrees, the whole text about the position
+    TextAlign align = TextAlign::Left;
+    TextVAlign valign = TextVAlign::Baseline;
+    bool bold = false;
+    bool italic = false;
+    TextSizeIs sizeIs = TextSizeIs::CapHeight;
+    double lineSpacing = 120; // baseline to baseline, percent of the font size
+    double tracking = 0;      // extra space between letters, thousandths of an em
+    bool kerning = true;      // the font's pair spacing
+    double widthScale = 100;  // percent
+    double heightScale = 100; // percent
+    double baselineShift = 0; // mm; raises the letters
+    double charRotation = 0;  // degrees, each letter about its own origin
+    bool vertical = false;    // letters stacked top to bottom, columns left to right
+    bool allCaps = false;
+    std::string path;            // a curve of the same sketch the letters follow; empty: none
+    double pathOffset = 0;       // mm along the path before the text starts
+    bool pathFlip = false;       // run the other way along the path
+    std::string sizeUnit = "mm"; // how the size is shown: pt, mm, cm, m, in or ft
+
+    bool operator==(const SketchText&) const = default;
+};
+
+// The alternative index is the kind's tag value, stored in project files.
+using SketchGeometry = std::variant<SketchLine, SketchCircle, SketchRectangle, SketchPoint,
+                                    SketchArc, SketchPolygon, SketchSpline, SketchSlot, SketchText>;
+
+enum class EntityKind { Line = 0, Circle, Rectangle, Point, Arc, Polygon, Spline, Slot, Text };
 
 struct SketchEntity {
     std::string id; // kind word + number, unique within the sketch

@@ -5,8 +5,11 @@
 
 #include "sketch/SketchObject.h"
 #include "sketch/SketchReference.h"
+#include "sketch/text/TextOptions.h"
 
 #include <cmath>
+#include <iterator>
+#include <optional>
 
 namespace cad {
 
@@ -15,8 +18,9 @@ namespace {
 using json = nlohmann::json;
 using ordered_json = nlohmann::ordered_json;
 
-constexpr const char* kKindWords[] = {"line", "circle",  "rectangle", "point",
-                                      "arc",  "polygon", "spline",    "slot"};
+constexpr const char* kKindWords[] = {"line",    "circle", "rectangle", "point", "arc",
+                                      "polygon", "spline", "slot",      "text"};
+constexpr int kKinds = static_cast<int>(std::size(kKindWords));
 
 ordered_json point(Point2 p) { return ordered_json::array({p.x, p.y}); }
 
@@ -69,7 +73,86 @@ struct GeometryWriter {
     void operator()(const SketchSlot& g) const {
         r["start"] = point(g.start), r["end"] = point(g.end), r["width"] = g.width;
     }
+    void operator()(const SketchText& g) const {
+        r["text"] = g.text, r["font"] = g.font, r["height"] = g.height;
+        r["position"] = point(g.position), r["angle"] = g.angle;
+        r["align"] = text::alignWord(g.align), r["valign"] = text::valignWord(g.valign);
+        r["bold"] = g.bold, r["italic"] = g.italic, r["sizeIs"] = text::sizeIsWord(g.sizeIs);
+        r["lineSpacing"] = g.lineSpacing, r["tracking"] = g.tracking, r["kerning"] = g.kerning;
+        r["widthScale"] = g.widthScale, r["heightScale"] = g.heightScale;
+        r["baselineShift"] = g.baselineShift, r["charRotation"] = g.charRotation;
+        r["vertical"] = g.vertical, r["allCaps"] = g.allCaps;
+        r["path"] = g.path, r["pathOffset"] = g.pathOffset, r["pathFlip"] = g.pathFlip;
+        r["sizeUnit"] = g.sizeUnit;
+    }
 };
+
+// A text record: "text" and "position" are needed; every option may be missing and
+// then keeps its default, but one that is there must be of its kind.
+Result<SketchGeometry> textFrom(const json& r) {
+    SketchText t;
+    auto text = r.find("text");
+    if (text == r.end() || !text->is_string()) return fail("\"text\" must be a string");
+    t.text = text->get<std::string>();
+    auto position = pointKey(r, "position");
+    if (!position) return Error(position);
+    t.position = *position;
+    for (auto [key, target] : {std::pair{"height", &t.height},
+                               {"angle", &t.angle},
+                               {"lineSpacing", &t.lineSpacing},
+                               {"tracking", &t.tracking},
+                               {"widthScale", &t.widthScale},
+                               {"heightScale", &t.heightScale},
+                               {"baselineShift", &t.baselineShift},
+                               {"charRotation", &t.charRotation},
+                               {"pathOffset", &t.pathOffset}}) {
+        if (!r.contains(key)) continue;
+        auto v = number(r, key);
+        if (!v) return Error(v);
+        *target = *v;
+    }
+    for (auto [key, target] : {std::pair{"bold", &t.bold},
+                               {"italic", &t.italic},
+                               {"kerning", &t.kerning},
+                               {"vertical", &t.vertical},
+                               {"allCaps", &t.allCaps},
+                               {"pathFlip", &t.pathFlip}}) {
+        auto v = r.find(key);
+        if (v == r.end()) continue;
+        if (!v->is_boolean()) return fail(std::string("\"") + key + "\" must be true or false");
+        *target = v->get<bool>();
+    }
+    for (auto [key, target] : {std::pair{"font", &t.font}, {"path", &t.path}}) {
+        auto v = r.find(key);
+        if (v == r.end()) continue;
+        if (!v->is_string()) return fail(std::string("\"") + key + "\" must be a string");
+        *target = v->get<std::string>();
+    }
+    // Choices by their words; a word this version doesn't know is refused, not guessed.
+    auto word = [&](const char* key) -> std::optional<std::string> {
+        auto v = r.find(key);
+        if (v == r.end() || !v->is_string()) return std::nullopt;
+        return v->get<std::string>();
+    };
+    auto choice = [&](const char* key, auto parse, auto& target) -> Result<void> {
+        if (!r.contains(key)) return {};
+        std::optional<std::string> w = word(key);
+        auto parsed = w ? parse(*w) : std::nullopt;
+        if (!parsed) return fail(std::string("\"") + key + "\" isn't a known choice");
+        target = *parsed;
+        return {};
+    };
+    if (auto ok = choice("align", text::parseAlign, t.align); !ok) return Error(ok);
+    if (auto ok = choice("valign", text::parseValign, t.valign); !ok) return Error(ok);
+    if (auto ok = choice("sizeIs", text::parseSizeIs, t.sizeIs); !ok) return Error(ok);
+    if (r.contains("sizeUnit")) {
+        std::optional<std::string> unit = word("sizeUnit");
+        if (!unit || !text::isSizeUnit(*unit))
+            return fail("\"sizeUnit\" must be pt, mm, cm, m, in or ft");
+        t.sizeUnit = *unit;
+    }
+    return SketchGeometry(std::move(t));
+}
 
 Result<SketchGeometry> geometryFrom(EntityKind kind, const json& r) {
     // Each kind reads its values in table order; the first problem wins.
@@ -145,6 +228,8 @@ Result<SketchGeometry> geometryFrom(EntityKind kind, const json& r) {
         if (!width) return Error(width);
         return SketchGeometry(SketchSlot{*a, *b, *width});
     }
+    case EntityKind::Text:
+        return textFrom(r);
     }
     return fail("unknown entity kind");
 }
@@ -289,7 +374,7 @@ Result<SketchEntity> entityFromJson(const json& r) {
     std::string kindWord;
     optionalString(r, "kind", kindWord);
     int kind = -1;
-    for (int k = 0; k < 8; ++k)
+    for (int k = 0; k < kKinds; ++k)
         if (kindWord == kKindWords[k]) kind = k;
     if (kind < 0) return fail(entity.id + ": unknown entity kind \"" + kindWord + "\"");
     Result<SketchGeometry> geometry = geometryFrom(static_cast<EntityKind>(kind), r);

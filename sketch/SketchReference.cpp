@@ -47,6 +47,8 @@ std::vector<NamedPart> fixedParts(EntityKind kind) {
         return {{"center", K::Point, kPolygonCenter}};
     case EntityKind::Slot:
         return {{"start", K::Point, 0}, {"end", K::Point, 1}};
+    case EntityKind::Text:
+        return {{"position", K::Point, 0}};
     case EntityKind::Spline:
         break;
     }
@@ -61,6 +63,7 @@ ResolvedRef::Kind wholeKind(EntityKind kind) {
     case EntityKind::Arc:
         return ResolvedRef::Circle;
     case EntityKind::Point:
+    case EntityKind::Text: // the text's position
         return ResolvedRef::Point;
     default:
         return ResolvedRef::Entity;
@@ -166,6 +169,7 @@ Point2 pointAt(const ResolvedRef& ref, const std::vector<SketchEntity>& entities
     if (auto* p = std::get_if<SketchPolygon>(&g))
         return sub == kPolygonCenter ? p->center : polygonCorner(*p, sub);
     if (auto* s = std::get_if<SketchSlot>(&g)) return sub == 1 ? s->end : s->start;
+    if (auto* t = std::get_if<SketchText>(&g)) return t->position;
     if (auto* s = std::get_if<SketchSpline>(&g))
         if (sub >= 0 && sub < static_cast<int>(s->points.size()))
             return s->points[static_cast<std::size_t>(sub)];

@@ -15,12 +15,14 @@
 namespace cad {
 
 // What a reference stands for. A whole line, circle or arc resolves to Line or
-// Circle, a whole point to Point; a whole rectangle, polygon, slot or spline to Entity.
+// Circle, a whole point or text to Point (its position); a whole rectangle, polygon,
+// slot or spline to Entity.
 //
 // Sub-indices: line start 0, end 1; circle centre 0; arc centre 0, start 1, end 2;
-// point 0; rectangle points bottom_left 0, bottom_right 1, top_right 2, top_left 3,
-// center 4 and lines bottom 0, right 1, top 2, left 3; polygon corner k and edge k
-// are k, its centre is kPolygonCenter; slot start 0, end 1; spline point k is k.
+// point 0; text position 0; rectangle points bottom_left 0, bottom_right 1,
+// top_right 2, top_left 3, center 4 and lines bottom 0, right 1, top 2, left 3;
+// polygon corner k and edge k are k, its centre is kPolygonCenter; slot start 0,
+// end 1; spline point k is k.
 struct ResolvedRef {
     enum Kind { Point, Line, Circle, Entity };
     Kind kind = Point;

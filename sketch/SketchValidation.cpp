@@ -81,6 +81,17 @@ struct Validator {
         if (s.width <= kZero) return fail("A slot's width must be greater than zero.");
         return {};
     }
+    Result<void> operator()(const SketchText& t) const {
+        if (!finite({t.position.x, t.position.y, t.height, t.angle, t.lineSpacing, t.tracking,
+                     t.widthScale, t.heightScale, t.baselineShift, t.charRotation, t.pathOffset}))
+            return fail("Text needs finite values.");
+        if (t.height <= 0) return fail("The text height must be greater than zero.");
+        if (t.widthScale <= 0 || t.heightScale <= 0 || t.lineSpacing <= 0)
+            return fail("The text's scales and line spacing must be greater than zero.");
+        if (t.text.find_first_not_of(" \t\r\n") == std::string::npos)
+            return fail("The text is empty.");
+        return {};
+    }
 };
 
 } // namespace

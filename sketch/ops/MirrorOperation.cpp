@@ -36,6 +36,9 @@ std::string rectangleCornerAt(const SketchRectangle& r, Point2 p) {
 }
 
 Result<Reflection> reflectGeometry(const SketchEntity& e, const Mirror& m) {
+    if (e.kind() == EntityKind::Text)
+        return fail("Text can't be mirrored (its letters would read backwards): convert it to "
+                    "outlines first.");
     Reflection out;
     if (auto* l = std::get_if<SketchLine>(&e.geometry)) {
         out.geometry = SketchLine{m(l->start), m(l->end)};

@@ -29,6 +29,7 @@ struct Translate {
         s.start = s.start + by;
         s.end = s.end + by;
     }
+    void operator()(SketchText& t) const { t.position = t.position + by; }
 };
 
 // Tied to the sketch's own origin: a point of it made coincident with Origin.

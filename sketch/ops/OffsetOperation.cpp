@@ -111,7 +111,8 @@ Result<std::string> offsetEntities(SketchWork& sketch, const std::vector<std::st
         Result<SketchEntity*> found = sketch.require(id);
         if (!found) return Error(found);
         const SketchEntity& e = **found;
-        if (e.kind() == EntityKind::Spline || e.kind() == EntityKind::Point)
+        if (e.kind() == EntityKind::Spline || e.kind() == EntityKind::Point ||
+            e.kind() == EntityKind::Text)
             return fail(
                 "Offset works on lines, circles, arcs, rectangles, polygons and slots (not " +
                 std::string(entityKindName(e)) + "s yet).");

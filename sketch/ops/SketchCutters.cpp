@@ -53,6 +53,7 @@ struct Collector {
     }
     void operator()(const SketchArc& a) const { add(arcSpan(a), whole()); }
     void operator()(const SketchPoint&) const {}
+    void operator()(const SketchText&) const {} // lettering cuts nothing
     void operator()(const SketchRectangle& r) const {
         const Point2 bl = r.corner, br{bl.x + r.width, bl.y}, tr{br.x, bl.y + r.height},
                      tl{bl.x, tr.y};

@@ -25,7 +25,8 @@ ArgSpec lengthArg(const char* name, bool required, const char* description) {
 }
 
 bool takesOneEntity(std::string_view operation) {
-    return operation == "trim" || operation == "extend" || operation == "explode";
+    return operation == "trim" || operation == "extend" || operation == "explode" ||
+           operation == "text_to_outlines";
 }
 
 } // namespace
@@ -60,6 +61,8 @@ std::vector<ArgSpec> SketchOperationCommand::arguments(std::string_view operatio
         return {sketchArg(), entitiesArg("Separated by ';' (one member is enough).")};
     if (operation == "group") return {sketchArg(), entitiesArg()};
     if (operation == "explode") return {sketchArg(), entityArg("e.g. \"Rectangle1\"")};
+    if (operation == "text_to_outlines")
+        return {sketchArg(), entityArg("The text, e.g. \"Text1\".")};
     return {};
 }
 
@@ -144,6 +147,7 @@ Result<std::string> SketchOperationCommand::run(Lists& lists) const {
     if (op == "trim") return ops::trimCurve(work, a.entities.front(), *a.point);
     if (op == "extend") return ops::extendCurve(work, a.entities.front(), *a.point);
     if (op == "explode") return ops::explodeEntity(work, a.entities.front());
+    if (op == "text_to_outlines") return ops::textToOutlines(work, a.entities.front());
     if (op == "offset") return ops::offsetEntities(work, a.entities, a.distance, a.point);
     if (op == "mirror") return ops::mirrorEntities(work, a.entities, a.line);
     if (op == "move_entities") return ops::moveEntities(work, a.entities, *a.point);

@@ -1,7 +1,7 @@
 // The sketch operations as commands: trim, extend, offset, mirror, move_entities,
-// group, ungroup and explode. Each works on copies of the sketch's lists, which
-// replace the sketch's only when everything succeeded; undo puts back the lists
-// from before.
+// group, ungroup, explode and text_to_outlines. Each works on copies of the sketch's
+// lists, which replace the sketch's only when everything succeeded; undo puts back
+// the lists from before.
 #pragma once
 
 #include "core/CommandRegistry.h"

@@ -43,6 +43,9 @@ void registerSketchOperationCommands(CommandRegistry& registry) {
     addOperation(registry, "explode",
                  "Break a rectangle, polygon or slot into separate lines and arcs (joined and "
                  "constrained like before).");
+    addOperation(registry, "text_to_outlines",
+                 "Convert sketch text to outlines (as Illustrator does): its glyph contours "
+                 "become lines and splines to edit, trim, cut or engrave. The text itself goes.");
     registry.add("sketch_fillet",
                  "Round a sketch corner where exactly two lines meet (trims them, adds a tangent "
                  "arc and a radius dimension).",

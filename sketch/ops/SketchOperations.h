@@ -32,6 +32,9 @@ Result<std::string> offsetEntities(SketchWork& sketch, const std::vector<std::st
 Result<std::string> mirrorEntities(SketchWork& sketch, const std::vector<std::string>& ids,
                                    const std::string& line);
 
+// Replaces a text by its glyph outlines: lines and splines joined by coincidences.
+Result<std::string> textToOutlines(SketchWork& sketch, const std::string& id);
+
 // Slides entities (and their group's other members) by `by`.
 Result<std::string> moveEntities(SketchWork& sketch, const std::vector<std::string>& ids,
                                  Point2 by);

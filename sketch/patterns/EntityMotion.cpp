@@ -64,6 +64,12 @@ struct Mover {
         s.end = motion.apply(s.end);
         return s;
     }
+    // Text turns with its position; text on a path stays on its path.
+    SketchGeometry operator()(SketchText t) const {
+        t.position = motion.apply(t.position);
+        t.angle = normalizedDegrees(t.angle + motion.turnDegrees);
+        return t;
+    }
 };
 
 } // namespace

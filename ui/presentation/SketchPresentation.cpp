@@ -114,7 +114,7 @@ void SketchPartPresentation::rebuild(const SketchObject& sketch) {
         const bool construction = part_ == Part::Construction;
         for (const SketchEntity& entity : sketch.entities) {
             if (entity.construction != construction) continue;
-            for (const SketchCurve& c : entityCurves(entity)) {
+            for (const SketchCurve& c : entityCurves(entity, sketch.entities)) {
                 if (c.curve.IsNull()) continue;
                 try {
                     BRepBuilderAPI_MakeEdge edge(GeomAPI::To3d(c.curve, gp_Pln(plane)));
