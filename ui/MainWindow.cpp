@@ -214,6 +214,7 @@ void MainWindow::updateUndoRedo() {
     for (const auto& [action, kind] : constraintActions_) action->setEnabled(sketching);
     for (QAction* action : {actions_.dimension, actions_.construction, actions_.finishSketch})
         action->setEnabled(sketching);
+    updateSketchActions();
 
     actions_.redo->setEnabled(stack_.canRedo());
     const CommandRecord* redo = stack_.redoRecord();

@@ -47,6 +47,7 @@ class AutosaveStore;
 class ObjectBrowser;
 struct RecoveryEntry;
 class SketchSession;
+class TextPanel;
 class McpBridge;
 class MainWindowMcpHost;
 class OverlayPanel;
@@ -154,6 +155,10 @@ public:
     // The sketch being edited; empty when none.
     std::string editedSketch() const;
     bool pickingPlane() const { return pickingPlane_; }
+    // The sketch strip's commands on the edited sketch's selection: group or ungroup
+    // it, turn the selected text into outlines.
+    void groupSketchSelection(bool group);
+    void convertToOutlines();
     // Esc: the current mode backs out (a pick or tool step, a form, the sketch, the
     // selection, in that order).
     void escape();
@@ -193,6 +198,13 @@ private:
     void createSketchOn(const std::string& reference);
     void leaveSketchMode();
     void toggleConstruction(bool checked);
+    // Enables what works only while a sketch is edited.
+    void updateSketchActions();
+    // The text panel: new text at a sketch point, or the edit of a text entity.
+    void openTextPanel(QPointF at);
+    void editText(const std::string& entity);
+    void closeTextPanel();
+    void placeTextPanel();
     void deleteSketchSelection();
     void showBanner(const QString& text);
     // The browser, history, palette and forms, and the hooks they change the model through.
@@ -289,6 +301,14 @@ private:
         QAction* finishSketch = nullptr;
         QAction* dimension = nullptr;
         QAction* construction = nullptr;
+        QAction* chainSelection = nullptr;
+        QAction* groupSketch = nullptr;
+        QAction* ungroupSketch = nullptr;
+        QAction* convertToOutlines = nullptr;
+        QAction* sketchRectPattern = nullptr;
+        QAction* sketchCircPattern = nullptr;
+        QAction* sketchPathPattern = nullptr;
+        QAction* projectGeometry = nullptr;
         QAction* extrude = nullptr;
         QAction* fillet = nullptr;
         QAction* chamfer = nullptr;
@@ -326,6 +346,8 @@ private:
     ToolStrip* sketchTools_ = nullptr;
     QToolButton* finishSketchButton_ = nullptr;
     QLabel* modeBanner_ = nullptr;
+    OverlayPanel* textCard_ = nullptr;
+    TextPanel* textPanel_ = nullptr;
     Sidebar* sidebar_ = nullptr;
 
     CommandLog* commandLog_ = nullptr;

@@ -1,6 +1,7 @@
 // Sketching from the window: the Sketch action and its plane pick, the sketch
-// strip with its tools and constraints, entering and finishing a sketch (banner,
-// finish button, camera, grid), and Esc, which backs out of whatever is going on.
+// strip with its tools, constraints and modify commands, entering and finishing a
+// sketch (banner, prompt, finish button, camera, grid), the text panel, and Esc,
+// which backs out of whatever is going on.
 #include "ui/MainWindow.h"
 
 #include "core/GeometryObject.h"
@@ -12,8 +13,10 @@
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/presentation/ReferencePicker.h"
 #include "ui/sketch/SketchSession.h"
+#include "ui/sketch/TextPanel.h"
 #include "ui/sketch/ViewportSketchView.h"
 #include "ui/widgets/Icons.h"
+#include "ui/widgets/OverlayPanel.h"
 #include "ui/widgets/ToolGroup.h"
 #include "ui/widgets/ToolStrip.h"
 #include "ui/widgets/WindowTexts.h"
@@ -25,8 +28,11 @@
 
 #include <QAction>
 #include <QActionGroup>
+#include <QApplication>
 #include <QLabel>
 #include <QMenu>
+#include <QPlainTextEdit>
+#include <QSettings>
 #include <QToolButton>
 
 #include <algorithm>
@@ -71,7 +77,7 @@ struct DrawingTool {
     const char* shortcut;
     int tool;
 };
-constexpr std::array<DrawingTool, 11> kDrawingTools{{
+constexpr std::array<DrawingTool, 18> kDrawingTools{{
     {"Select", "select", "", SketchSession::Select},
     {"Line", "line", "L", SketchSession::Line},
     {"Rectangle", "rectangle", "R", SketchSession::Rectangle},
@@ -83,7 +89,26 @@ constexpr std::array<DrawingTool, 11> kDrawingTools{{
     {"Slot", "slot", "Shift+S", SketchSession::Slot},
     {"Spline", "spline", "S", SketchSession::Spline},
     {"Point", "point", "P", SketchSession::Point},
+    {"Text", "text", "", SketchSession::Text},
+    {"Trim", "trim", "T", SketchSession::Trim},
+    {"Extend", "extend", "", SketchSession::Extend},
+    {"Offset", "offset", "O", SketchSession::Offset},
+    {"Mirror", "mirror", "", SketchSession::Mirror},
+    {"Fillet", "fillet", "", SketchSession::Fillet},
+    {"Chamfer", "chamfer", "", SketchSession::Chamfer},
 }};
+
+// The sketch patterns: label, icon, object name; the kind is the place in the list.
+constexpr std::array<std::array<const char*, 3>, 3> kSketchPatterns{{
+    {"Rectangular Pattern", "pattern-rect", "sketchRectPattern"},
+    {"Circular Pattern", "pattern-circ", "sketchCircPattern"},
+    {"Path Pattern", "pattern-path", "sketchPathPattern"},
+}};
+
+void setShortcutShown(QAction* action, const QString& keys) {
+    action->setShortcut(QKeySequence(keys));
+    action->setToolTip(actionTooltip(action->text(), keys));
+}
 
 gp_Ax3 axesOf(const SketchObject& sketch) {
     const PlaneFrame frame = sketch.frame();
@@ -167,6 +192,56 @@ void MainWindow::buildSketchActions() {
     a.construction->setShortcut(QKeySequence(QStringLiteral("X")));
     a.construction->setToolTip(actionTooltip(QStringLiteral("Construction"), QStringLiteral("X")));
     connect(a.construction, &QAction::triggered, this, &MainWindow::toggleConstruction);
+
+    a.chainSelection = makeWindowAction({}, QStringLiteral("Chain Selection"),
+                                        QStringLiteral("chainSelection"));
+    a.chainSelection->setCheckable(true);
+    a.chainSelection->setChecked(
+        QSettings().value(QStringLiteral("sketch/chainSelection"), false).toBool());
+    connect(a.chainSelection, &QAction::toggled, this, [this](bool on) {
+        sketchSession_->setChainSelection(on);
+        QSettings().setValue(QStringLiteral("sketch/chainSelection"), on);
+    });
+
+    a.groupSketch = makeWindowAction({}, QStringLiteral("Group"), QStringLiteral("groupSketch"));
+    setShortcutShown(a.groupSketch, QStringLiteral("Ctrl+G"));
+    connect(a.groupSketch, &QAction::triggered, this, [this] { groupSketchSelection(true); });
+    a.ungroupSketch =
+        makeWindowAction({}, QStringLiteral("Ungroup"), QStringLiteral("ungroupSketch"));
+    setShortcutShown(a.ungroupSketch, QStringLiteral("Ctrl+Shift+G"));
+    connect(a.ungroupSketch, &QAction::triggered, this, [this] { groupSketchSelection(false); });
+
+    a.convertToOutlines = makeWindowAction(QStringLiteral("outlines"),
+                                           QStringLiteral("Convert to Outlines"),
+                                           QStringLiteral("convertToOutlines"),
+                                           QStringLiteral("Turn the selected text into lines and "
+                                                          "curves"));
+    connect(a.convertToOutlines, &QAction::triggered, this, &MainWindow::convertToOutlines);
+
+    QAction** patterns[] = {&a.sketchRectPattern, &a.sketchCircPattern, &a.sketchPathPattern};
+    for (int kind = 0; kind < 3; ++kind) {
+        const auto& [label, iconName, name] = kSketchPatterns[static_cast<std::size_t>(kind)];
+        QAction* action = makeWindowAction(QString::fromLatin1(iconName), QString::fromLatin1(label),
+                                           QString::fromLatin1(name));
+        connect(action, &QAction::triggered, this, [this, kind] {
+            forms_->openSketchPatternForm(kind);
+        });
+        *patterns[kind] = action;
+    }
+
+    a.projectGeometry = makeWindowAction(QStringLiteral("project"), QStringLiteral("Project"),
+                                         QStringLiteral("projectGeometry"));
+    connect(a.projectGeometry, &QAction::triggered, this, [this] { forms_->openProjectForm(); });
+    updateSketchActions();
+}
+
+void MainWindow::updateSketchActions() {
+    const bool sketching = editingSketch();
+    const Actions& a = actions_;
+    for (QAction* action : {a.groupSketch, a.ungroupSketch, a.convertToOutlines,
+                            a.sketchRectPattern, a.sketchCircPattern, a.sketchPathPattern,
+                            a.projectGeometry})
+        if (action) action->setEnabled(sketching);
 }
 
 ToolStrip* MainWindow::buildSketchStrip(QWidget* parent) {
@@ -198,12 +273,18 @@ ToolStrip* MainWindow::buildSketchStrip(QWidget* parent) {
         QStringLiteral("sketch.create"), QStringLiteral("CREATE"),
         {tool(SketchSession::Line), rectangles, tool(SketchSession::Circle), arcs,
          tool(SketchSession::Polygon), tool(SketchSession::Slot), tool(SketchSession::Spline),
-         tool(SketchSession::Point)},
+         tool(SketchSession::Point), tool(SketchSession::Text), a.projectGeometry},
         {QStringLiteral("Line"), QStringLiteral("Rectangle"), QStringLiteral("Circle"),
          QStringLiteral("Arc")}));
-    strip->addGroup(new ToolGroup(QStringLiteral("sketch.modify"), QStringLiteral("MODIFY"),
-                                  {a.construction, a.parameters},
-                                  {QStringLiteral("Construction"), QStringLiteral("Parameters")}));
+    strip->addGroup(new ToolGroup(
+        QStringLiteral("sketch.modify"), QStringLiteral("MODIFY"),
+        {tool(SketchSession::Trim), tool(SketchSession::Extend), tool(SketchSession::Offset),
+         a.chainSelection, tool(SketchSession::Mirror), tool(SketchSession::Fillet),
+         tool(SketchSession::Chamfer), a.sketchRectPattern, a.sketchCircPattern,
+         a.sketchPathPattern, a.convertToOutlines, a.groupSketch, a.ungroupSketch, a.construction,
+         a.parameters},
+        {QStringLiteral("Trim"), QStringLiteral("Offset"), QStringLiteral("Mirror"),
+         QStringLiteral("Fillet")}));
     QList<QAction*> constrain{a.dimension};
     QStringList pinned{QStringLiteral("Dimension")};
     for (const auto& [action, kind] : constraintActions_) {
@@ -231,8 +312,137 @@ void MainWindow::connectSketchSession() {
     connect(&session, &SketchSession::constructionModeChanged, this,
             [this](bool on) { actions_.construction->setChecked(on); });
     connect(&session, &SketchSession::activeChanged, this, [this](bool active) {
-        if (!active) leaveSketchMode();
+        if (!active) {
+            closeTextPanel();
+            if (hud_) hud_->hide();
+            leaveSketchMode();
+        }
+        updateSketchActions();
     });
+    session.setChainSelection(actions_.chainSelection->isChecked());
+    // The prompt of the tool's step heads the view, below the banner.
+    connect(&session, &SketchSession::statusChanged, this, [this](const QString& text) {
+        if (!hud_) return;
+        hud_->setText(text);
+        hud_->setVisible(editingSketch() && !text.isEmpty());
+        layoutOverlays();
+    });
+    connect(&session, &SketchSession::textPlacementRequested, this,
+            [this](const QPointF& at) { openTextPanel(at); });
+    connect(&session, &SketchSession::editTextRequested, this,
+            [this](const QString& entity) { editText(entity.toStdString()); });
+    connect(&session, &SketchSession::editPatternRequested, this, [this](const QString& pattern) {
+        forms_->openSketchPatternEditForm(pattern.toStdString());
+    });
+
+    // Forms inside the sketch pick its geometry through the session, and the view goes
+    // back to the session when they stop picking in it.
+    SketchFormHost host;
+    host.sketch = [this] { return editedSketch(); };
+    host.selection = [this] {
+        return editingSketch() ? sketchSession_->selectedEntities() : std::vector<std::string>();
+    };
+    host.startPick = [this](SketchPick what, std::function<void(const std::string&)> picked,
+                            std::function<std::vector<std::string>()> marked) {
+        if (!editingSketch()) return;
+        const auto kind = what == SketchPick::Points   ? SketchSession::FormPick::Points
+                          : what == SketchPick::Curves ? SketchSession::FormPick::Curves
+                                                       : SketchSession::FormPick::Entities;
+        viewport_->setTool(sketchSession_.get());
+        sketchSession_->startFormPick(kind, std::move(picked), std::move(marked));
+    };
+    host.stopPick = [this] { sketchSession_->stopFormPick(); };
+    host.restingTool = [this]() -> rendering::ViewportTool* {
+        return editingSketch() ? sketchSession_.get() : nullptr;
+    };
+    forms_->setSketchHost(std::move(host));
+    // A form's live trial changes the sketch without a command event.
+    const auto redraw = [this] {
+        if (editingSketch()) sketchSession_->refresh();
+    };
+    connect(forms_.get(), &FormController::trialChanged, this, redraw);
+    connect(forms_.get(), &FormController::closed, this, redraw);
+}
+
+void MainWindow::groupSketchSelection(bool group) {
+    if (!editingSketch()) return;
+    std::string list;
+    for (const std::string& id : sketchSession_->selectedEntities())
+        list += (list.empty() ? "" : "; ") + id;
+    // An empty list gets the command's own sentence ("Choose what to group.").
+    runCommand(CommandRecord(group ? "group" : "ungroup")
+                   .set("sketch", editedSketch().c_str())
+                   .set("entities", list.c_str()));
+}
+
+void MainWindow::convertToOutlines() {
+    if (!editingSketch()) return;
+    // The selected text entities; other selected geometry is left alone.
+    const auto* sketch = document_.findAs<SketchObject>(editedSketch());
+    std::vector<std::string> texts;
+    for (const std::string& id : sketchSession_->selectedEntities())
+        if (const SketchEntity* e = sketch ? sketch->findEntity(id) : nullptr;
+            e && entityKindName(*e) == "Text")
+            texts.push_back(id);
+    if (texts.empty()) {
+        showToast(QStringLiteral("Select the text, then Convert to Outlines."));
+        return;
+    }
+    stack_.beginGroup();
+    for (const std::string& id : texts)
+        if (!runCommand(CommandRecord("text_to_outlines")
+                            .set("sketch", editedSketch().c_str())
+                            .set("entity", id.c_str()))
+                 .ok)
+            break;
+    stack_.endGroup();
+}
+
+void MainWindow::openTextPanel(QPointF at) {
+    if (!editingSketch()) return;
+    if (!textCard_) {
+        textPanel_ = new TextPanel;
+        textCard_ = new OverlayPanel(QStringLiteral("text"), QStringLiteral("Text"), textPanel_,
+                                     viewport_);
+        textCard_->setObjectName(QStringLiteral("textCard"));
+        connect(textPanel_, &TextPanel::cancelled, this, &MainWindow::closeTextPanel);
+        connect(textPanel_, &TextPanel::accepted, this, [this] {
+            const Result<CommandRecord> record = textPanel_->record();
+            if (record && runCommand(*record).ok) closeTextPanel();
+        });
+    }
+    if (forms_->isOpen()) forms_->cancel();
+    textPanel_->startNew(editedSketch(), Point2{at.x(), at.y()});
+    placeTextPanel();
+}
+
+void MainWindow::editText(const std::string& entity) {
+    const auto* sketch = document_.findAs<SketchObject>(editedSketch());
+    const SketchEntity* text = sketch ? sketch->findEntity(entity) : nullptr;
+    if (!text || entityKindName(*text) != "Text") return;
+    openTextPanel({});
+    textPanel_->startEdit(editedSketch(), entity, textPanelValues(*text, document_.lengthUnit()));
+}
+
+void MainWindow::placeTextPanel() {
+    if (!textCard_) return;
+    // Where forms go: the right of the view, below the cube.
+    const int corner = static_cast<int>(viewport_->cubeCornerSize() /
+                                        std::max(1.0, viewport_->devicePixelRatioF()));
+    textCard_->setFixedWidth(std::min(300, std::max(200, viewport_->width() - 24)));
+    textCard_->adjustSize();
+    textCard_->move(std::max(12, viewport_->width() - textCard_->width() - 12),
+                    std::min(corner + 40, std::max(12, viewport_->height() - textCard_->height() - 12)));
+    textCard_->show();
+    textCard_->raise();
+    textPanel_->entry()->setFocus(Qt::OtherFocusReason);
+}
+
+void MainWindow::closeTextPanel() {
+    if (!textCard_ || textCard_->isHidden()) return;
+    const bool hadFocus = textCard_->isAncestorOf(QApplication::focusWidget());
+    textCard_->hide();
+    if (hadFocus) viewport_->setFocus(Qt::OtherFocusReason);
 }
 
 bool MainWindow::editingSketch() const { return sketchSession_ && sketchSession_->isActive(); }

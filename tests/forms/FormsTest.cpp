@@ -1,7 +1,8 @@
 // The feature forms over a real 3D view: pick rows counting and clearing, bad
 // expressions blocking OK, one form at a time with no preview left behind, edits
 // tried live on the model, withdrawn on Esc and recorded once on Enter, new
-// features tried on their body, and a hole placed by a click on a face.
+// features tried on their body, a hole placed by a click on a face, and the forms
+// inside a sketch picking through the sketch and giving the view back.
 #include "GeometryTestModel.h"
 
 #include "core/units/ExpressionParser.h"
@@ -10,8 +11,10 @@
 #include "geometry/patterns/PatternCommands.h"
 #include "geometry/patterns/PatternKinds.h"
 #include "geometry/planes/PlaneObject.h"
+#include "geometry/projection/ProjectionCommands.h"
 #include "rendering/Viewport.h"
 #include "sketch/SketchObject.h"
+#include "sketch/patterns/SketchPatternCommands.h"
 #include "ui/forms/FeatureForm.h"
 #include "ui/forms/FormController.h"
 #include "ui/presentation/DocumentPresenter.h"
@@ -500,6 +503,64 @@ TEST_F(Forms, TableFormsPlanesAndPatternsOpenTryAndCancel) {
        {{"bodies", "Box1"}, {"pattern", "rectangular"}, {"direction", "X"}, {"spacing", 20.0}});
     ASSERT_TRUE(forms->openEditForm("PatternSet1"));
     EXPECT_EQ(form().title(), QStringLiteral("Edit PatternSet1"));
+}
+
+TEST_F(Forms, SketchFormsPickInTheSketchTryOnItAndGiveTheViewBack) {
+    registerSketchPatternCommands(registry);
+    registerProjectionCommands(registry);
+    ok("create_sketch", {{"plane", "XY"}});
+    ok("add_line", {{"sketch", "Sketch1"}, {"x1", 0.0}, {"y1", 0.0}, {"x2", 5.0}, {"y2", 0.0}});
+    const auto entities = [&] { return document.findAs<SketchObject>("Sketch1")->entities.size(); };
+
+    // The session's part: a tool the view goes back to, and the picks asked of it.
+    struct Resting : rendering::ViewportTool {
+        bool mousePress(QPointF, Qt::KeyboardModifiers) override { return false; }
+        void mouseMove(QPointF, Qt::KeyboardModifiers) override {}
+        void leave() override {}
+    } resting;
+    std::vector<ui::SketchPick> asked;
+    std::function<void(const std::string&)> pick;
+    int stopped = 0;
+    ui::SketchFormHost host;
+    host.sketch = [] { return std::string("Sketch1"); };
+    host.startPick = [&](ui::SketchPick what, std::function<void(const std::string&)> picked,
+                         std::function<std::vector<std::string>()>) {
+        asked.push_back(what);
+        pick = std::move(picked);
+    };
+    host.stopPick = [&] { ++stopped; };
+    host.restingTool = [&]() -> rendering::ViewportTool* { return &resting; };
+    forms->setSketchHost(std::move(host));
+    viewport->setTool(&resting);
+    QSignalSpy tried(forms.get(), &FormController::trialChanged);
+    const std::size_t steps = stack.undoCount();
+
+    // The geometry row picks in the sketch; the copies are tried at once, off the record.
+    ASSERT_TRUE(forms->openSketchPatternForm(0));
+    ASSERT_EQ(asked, std::vector<ui::SketchPick>{ui::SketchPick::Entities});
+    EXPECT_EQ(viewport->tool(), &resting);
+    pick("Line1");
+    EXPECT_EQ(form().references(QStringLiteral("entities")), std::vector<std::string>{"Line1"});
+    EXPECT_EQ(entities(), 2u);
+    EXPECT_GE(tried.size(), 1);
+    EXPECT_EQ(stack.undoCount(), steps);
+    forms->cancel();
+    EXPECT_EQ(entities(), 1u);
+    EXPECT_GE(stopped, 1);
+
+    ASSERT_TRUE(forms->openSketchPatternForm(1));
+    pick("Line1");
+    ASSERT_TRUE(forms->accept());
+    EXPECT_EQ(entities(), 2u);
+    EXPECT_EQ(stack.undoCount(), steps + 1);
+    EXPECT_TRUE(forms->openSketchPatternEditForm("Pattern1"));
+    forms->cancel();
+
+    // Project picks across objects in the view, then the view is the session's again.
+    ASSERT_TRUE(forms->openProjectForm());
+    EXPECT_EQ(viewport->tool(), picker.get());
+    forms->cancel();
+    EXPECT_EQ(viewport->tool(), &resting);
 }
 
 } // namespace cad::testing

@@ -108,6 +108,8 @@ void FormController::setSelectionProvider(SelectionProvider provider) {
     selection_ = std::move(provider);
 }
 
+void FormController::setSketchHost(SketchFormHost host) { sketchHost_ = std::move(host); }
+
 bool FormController::openFeatureForm(const QString& featureName) {
     const Document& document = stack_.document();
     const std::vector<std::string> selection =
@@ -163,6 +165,32 @@ bool FormController::openPatternForm(const QString& kind) {
         stack_.document(), kind, selection_ ? selection_() : std::vector<std::string>());
     if (!form) return false;
     open(std::move(*form));
+    return true;
+}
+
+bool FormController::openSketchPatternForm(int kind) {
+    const std::string sketch = sketchHost_.sketch ? sketchHost_.sketch() : std::string();
+    std::optional<FormDefinition> form =
+        sketchPatternForm(stack_.document(), sketch, kind,
+                          sketchHost_.selection ? sketchHost_.selection()
+                                                : std::vector<std::string>());
+    if (!form) return false;
+    open(std::move(*form));
+    return true;
+}
+
+bool FormController::openSketchPatternEditForm(const std::string& pattern) {
+    const std::string sketch = sketchHost_.sketch ? sketchHost_.sketch() : std::string();
+    std::optional<FormDefinition> form = editSketchPatternForm(stack_.document(), sketch, pattern);
+    if (!form) return false;
+    open(std::move(*form));
+    return true;
+}
+
+bool FormController::openProjectForm() {
+    const std::string sketch = sketchHost_.sketch ? sketchHost_.sketch() : std::string();
+    if (sketch.empty()) return false;
+    open(projectForm(sketch));
     return true;
 }
 
@@ -314,9 +342,12 @@ void FormController::update() {
     Result<CommandRecord> record = checkForm(definition_, form);
     if (!record) {
         // Nothing to show: the model stays as it is, the message says why.
+        const bool tried = session_->isTrying();
         session_->withdraw();
+        if (tried) emit trialChanged();
     } else if (session_->isEditing()) {
         const CommandResult tried = session_->tryEdit(*record);
+        emit trialChanged();
         if (!tried.ok) form.setAcceptEnabled(false);
         const QString problem =
             tried.ok ? failureNote(tried.message) : QString::fromStdString(tried.message);
@@ -339,11 +370,10 @@ void FormController::update() {
 
 void FormController::close() {
     if (!form_) return;
-    if (picking_) {
-        picking_ = false;
-        picker_.deactivate();
-    }
+    stopPicking();
+    const bool tried = session_ && session_->isTrying();
     session_.reset(); // the preview goes, the trial is withdrawn
+    if (tried) emit trialChanged();
     FeatureForm* form = form_;
     form_ = nullptr;
     definition_ = {};
@@ -353,14 +383,44 @@ void FormController::close() {
     emit closed();
 }
 
+void FormController::stopPicking() {
+    if (picking_) {
+        picking_ = false;
+        picker_.deactivate();
+    }
+    if (sketchPicking_) {
+        sketchPicking_ = false;
+        if (sketchHost_.stopPick) sketchHost_.stopPick();
+    }
+    if (view_ && !view_->tool() && sketchHost_.restingTool)
+        if (rendering::ViewportTool* resting = sketchHost_.restingTool())
+            view_->setTool(resting);
+}
+
 void FormController::pickRowChanged(const QString& key) {
     const PickRule* rule = form_ && !key.isEmpty() ? form_->pickRule(key) : nullptr;
     if (!rule) {
-        if (picking_) {
-            picking_ = false;
-            picker_.deactivate();
-        }
+        stopPicking();
         return;
+    }
+    if (rule->sketch != SketchPick::None) {
+        // The sketch session picks the sketch's own geometry.
+        stopPicking();
+        if (!sketchHost_.startPick) return;
+        sketchPicking_ = true;
+        sketchHost_.startPick(
+            rule->sketch,
+            [this](const std::string& reference) {
+                if (form_) form_->picked({reference});
+            },
+            [this, key]() -> std::vector<std::string> {
+                return form_ ? form_->references(key) : std::vector<std::string>();
+            });
+        return;
+    }
+    if (sketchPicking_) {
+        sketchPicking_ = false;
+        if (sketchHost_.stopPick) sketchHost_.stopPick();
     }
     picking_ = true;
     picker_.activate(rule->kinds, [this](const std::vector<std::string>& references) {

@@ -9,6 +9,7 @@
 #include "core/CommandRecord.h"
 #include "ui/forms/FormDefinition.h"
 #include "ui/forms/FormSession.h"
+#include "ui/forms/SketchForms.h"
 #endif
 
 #include <QObject>
@@ -51,6 +52,8 @@ public:
     ~FormController() override;
 
     void setSelectionProvider(SelectionProvider provider);
+    // The sketch being edited, for the forms that work inside it.
+    void setSketchHost(SketchFormHost host);
 
     // "Extrude", "Box", "Fillet", "Chamfer", "Shell", "Hole", "Thread", or the type of
     // any parametric kind that has a form ("Revolve", "Sweep", "Loft", "Combine",
@@ -64,6 +67,12 @@ public:
     bool openMirrorForm();
     // "rectangular", "circular" or "path"; false for any other word.
     bool openPatternForm(const QString& kind);
+    // While a sketch is edited: its pattern form (kind 0 rectangular, 1 circular, 2
+    // path) on the selected entities, the edit of one of its patterns ("Pattern1"), or
+    // the Project form. False when no sketch is edited (or no such kind or pattern).
+    bool openSketchPatternForm(int kind);
+    bool openSketchPatternEditForm(const std::string& pattern);
+    bool openProjectForm();
     // The edit form of an existing extrude, fillet, chamfer, shell, hole, thread,
     // parametric feature whose kind has a form, reference plane, section or pattern
     // set; false when there is none.
@@ -93,6 +102,8 @@ signals:
     void opened();
     void closed();
     void messageChanged(const QString& text, bool error);
+    // A live trial went onto the model or was withdrawn (trials announce no command).
+    void trialChanged();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -109,6 +120,8 @@ private:
     CommandResult runSteps(const std::vector<CommandRecord>& before, const CommandRecord& record);
     void close();
     void pickRowChanged(const QString& key);
+    // Ends the view's or the sketch's picking; the view gets its resting tool back.
+    void stopPicking();
     void showMessage(const QString& text, bool error);
 
     QWidget* host_;
@@ -123,6 +136,8 @@ private:
     std::unique_ptr<FormSession> session_;
     bool busy_ = false;    // updating or accepting: command events don't refresh
     bool picking_ = false; // the picker works for the form
+    bool sketchPicking_ = false; // the sketch session picks for the form
+    SketchFormHost sketchHost_;
 };
 
 } // namespace cad::ui

@@ -22,9 +22,15 @@ struct FieldChoice {
     QString tooltip;
 };
 
+// What a pick row takes from the sketch being edited, when it picks there (through the
+// sketch session) rather than in the 3D view: whole entities, only curves, or named
+// points ("Circle1.center", "Origin").
+enum class SketchPick { None, Entities, Curves, Points };
+
 // What a pick row takes from clicks in the view.
 struct PickRule {
     std::uint32_t kinds = 0xffu; // PickKind flags the picker accepts
+    SketchPick sketch = SketchPick::None; // set: the row picks in the edited sketch instead
     bool multiple = true;        // several references, a second click drops one
     bool required = true;        // the form can't be accepted while it is empty
     QString prompt;              // shown in the message line while it is empty

@@ -4,6 +4,7 @@
 #include "ui/sketch/Planar.h"
 
 #include "sketch/SketchCurves.h"
+#include "sketch/text/TextLayout.h"
 
 #include <GCPnts_QuasiUniformDeflection.hxx>
 #include <Geom2dAdaptor_Curve.hxx>
@@ -94,9 +95,33 @@ std::vector<Point2> sampleSpline(const SketchSpline& spline, double deflection) 
     return out;
 }
 
+// A glyph outline piece as points: its ends, or a Bézier piece cut into enough steps
+// that its chords stay within `deflection` (the control polygon bounds the curve).
+void appendOutline(const text::OutlinePiece& piece, double deflection, std::vector<Point2>& out) {
+    if (out.empty()) out.push_back(piece.start());
+    if (piece.straight()) {
+        out.push_back(piece.end());
+        return;
+    }
+    double hull = 0;
+    for (std::size_t i = 1; i < piece.poles.size(); ++i)
+        hull += length(piece.poles[i] - piece.poles[i - 1]);
+    const int steps =
+        std::clamp(static_cast<int>(std::ceil(std::sqrt(hull / std::max(deflection, 1e-6)))), 2, 64);
+    for (int k = 1; k <= steps; ++k) {
+        // De Casteljau at t.
+        std::vector<Point2> q = piece.poles;
+        const double t = static_cast<double>(k) / steps;
+        for (std::size_t level = q.size() - 1; level > 0; --level)
+            for (std::size_t i = 0; i < level; ++i) q[i] = q[i] * (1 - t) + q[i + 1] * t;
+        out.push_back(q.front());
+    }
+}
+
 } // namespace
 
-std::vector<CurvePiece> entityPieces(const SketchEntity& e, int index, double deflection) {
+std::vector<CurvePiece> entityPieces(const SketchEntity& e, int index, double deflection,
+                                     const std::vector<SketchEntity>* sketch) {
     using K = ResolvedRef::Kind;
     std::vector<CurvePiece> out;
     const std::string& id = e.id;
@@ -149,6 +174,23 @@ std::vector<CurvePiece> entityPieces(const SketchEntity& e, int index, double de
                 piece.entity = index;
                 setBox(piece);
                 out.push_back(std::move(piece));
+            } else if constexpr (std::is_same_v<T, SketchText>) {
+                // One closed polyline a glyph contour; text that can't be laid out
+                // (its font gone, say) has none.
+                auto layout = text::layoutTextForSketch(g, sketch);
+                if (!layout) return;
+                for (const text::Contour& contour : (*layout)->contours) {
+                    CurvePiece piece;
+                    piece.shape = CurvePiece::Polyline;
+                    for (const text::OutlinePiece& part : contour.pieces)
+                        appendOutline(part, deflection, piece.points);
+                    if (piece.points.size() < 2) continue;
+                    piece.reference = id;
+                    piece.refKind = K::Entity;
+                    piece.entity = index;
+                    setBox(piece);
+                    out.push_back(std::move(piece));
+                }
             }
         },
         e.geometry);
@@ -232,7 +274,8 @@ void SketchScene::rebuild(const std::vector<SketchEntity>& entities, double pixe
     pieces_.clear();
     sampledPixel_ = std::max(pixel, 1e-6);
     for (std::size_t i = 0; i < entities_.size(); ++i)
-        for (CurvePiece& piece : entityPieces(entities_[i], static_cast<int>(i), sampledPixel_ / 2))
+        for (CurvePiece& piece :
+             entityPieces(entities_[i], static_cast<int>(i), sampledPixel_ / 2, &entities_))
             pieces_.push_back(std::move(piece));
 }
 
@@ -244,6 +287,8 @@ void SketchScene::resample(double pixel) {
     for (CurvePiece& piece : pieces_) {
         if (piece.shape != CurvePiece::Polyline) continue;
         const SketchEntity& e = entities_[static_cast<std::size_t>(piece.entity)];
+        // A spline is one piece; text, a piece a contour, keeps the samples it has.
+        if (e.kind() != EntityKind::Spline) continue;
         std::vector<CurvePiece> fresh = entityPieces(e, piece.entity, pixel / 2);
         if (!fresh.empty()) piece = std::move(fresh.front());
     }

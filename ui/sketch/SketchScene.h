@@ -90,8 +90,11 @@ private:
 // perpendicular (false when an arc's nearest point is one of its ends).
 Point2 nearestOnPiece(const CurvePiece& piece, Point2 p, bool* inside = nullptr);
 
-// The curve pieces of one entity (points make none); splines sampled with `deflection`.
-std::vector<CurvePiece> entityPieces(const SketchEntity& entity, int index, double deflection);
+// The curve pieces of one entity (points make none); splines and the glyph outlines
+// of text sampled with `deflection`. Text on a path needs the sketch it belongs to
+// (without it, it is laid out straight).
+std::vector<CurvePiece> entityPieces(const SketchEntity& entity, int index, double deflection,
+                                     const std::vector<SketchEntity>* sketch = nullptr);
 
 // Polylines drawing one piece within `deflection` of it.
 std::vector<Point2> pieceOutline(const CurvePiece& piece, double deflection);

@@ -94,6 +94,7 @@ void SketchSession::begin(const std::string& sketchId) {
 
 void SketchSession::end() {
     if (!active_) return;
+    formPick_ = {};
     resetTool();
     closeEditor();
     setSelection({}, {});
@@ -110,6 +111,8 @@ void SketchSession::end() {
 bool SketchSession::isDrawingTool() const {
     return (tool_ >= Line && tool_ <= Slot) || tool_ == CenterRectangle;
 }
+
+bool SketchSession::isModifyTool() const { return tool_ >= Fillet && tool_ <= Text; }
 
 DrawKind SketchSession::drawKind() const {
     switch (tool_) {
@@ -141,13 +144,16 @@ void SketchSession::resetTool() {
     snaps_.clear();
     picks_.clear();
     placing_ = false;
+    chosen_.clear();
+    offsetPreview_.clear();
+    offsetDistance_ = 0;
     chainStart_.reset();
     arcSweep_ = arcLastAngle_ = 0;
     closing_ = false;
     drag_ = {};
     hover_ = {};
     hoverDimension_.clear();
-    refused_ = false;
+    refusal_.clear();
     preview_ = {};
     typed_.clear();
     typedValid_ = true;
@@ -156,18 +162,25 @@ void SketchSession::resetTool() {
 }
 
 void SketchSession::setTool(int tool, int constraintKind) {
-    const bool known = (tool >= Select && tool <= Constraint) || tool == CenterRectangle;
+    const bool known = tool >= Select && tool <= CenterRectangle;
     if (!known) return;
     if (tool == Constraint && (constraintKind < 0 || constraintKind > 11)) return;
     const bool changed = tool != tool_ || (tool == Constraint && constraintKind != constraintKind_);
     const int oldStep = step_;
+    // Mirror and Offset work on what is selected when they start.
+    std::vector<std::string> carried;
+    if (tool == Mirror || tool == Offset) carried = selectedEntities_;
     resetTool();
     closeEditor();
     tool_ = tool;
     constraintKind_ = tool == Constraint ? constraintKind : -1;
     if (tool_ != Select) setSelection({}, {});
     if (changed) emit toolChanged(tool_);
-    if (oldStep != step_) emit stepChanged(step_);
+    if (!carried.empty()) {
+        setChosen(std::move(carried));
+    } else if (oldStep != step_) {
+        emit stepChanged(step_);
+    }
     if (isDrawingTool()) fields_->setFields(inlineFields(drawKind(), 0));
     updateStatus();
     updateHover();
@@ -183,13 +196,17 @@ void SketchSession::setConstruction(bool on) {
 }
 
 void SketchSession::setStep(int step) {
-    refused_ = false;
+    refusal_.clear();
     if (step != step_) {
         step_ = step;
         emit stepChanged(step_);
     }
-    if (isDrawingTool()) {
-        fields_->setFields(inlineFields(drawKind(), step_));
+    if (isDrawingTool() || tool_ == Offset) {
+        // The offset takes its distance typed once its curves are picked.
+        static const std::vector<InlineField> distance{{"distance", "Distance", true}};
+        fields_->setFields(isDrawingTool() ? inlineFields(drawKind(), step_)
+                           : step_ == 1    ? distance
+                                           : std::vector<InlineField>{});
         typed_.clear();
         typedValid_ = true;
     }
@@ -235,19 +252,19 @@ QString SketchSession::prompt() const {
         return QString::fromUtf8(steps[std::clamp(step_, 0, 2)]);
     }
     default:
-        return pickPrompt();
+        return isModifyTool() ? modifyPrompt() : pickPrompt();
     }
 }
 
 void SketchSession::updateStatus() {
-    const QString text = (refused_ ? QString::fromUtf8(kRefusal) : QString()) + prompt();
+    const QString text = refusal_ + prompt();
     if (text == status_) return;
     status_ = text;
     emit statusChanged(status_);
 }
 
-void SketchSession::refuse() {
-    refused_ = true;
+void SketchSession::refuse(const char* why) {
+    refusal_ = QString::fromUtf8(why ? why : kRefusal);
     updateStatus();
 }
 
@@ -267,12 +284,14 @@ bool SketchSession::cancel() {
         typedChanged();
         return true;
     }
-    const bool picked = !points_.empty() || !picks_.empty() || placing_;
+    const bool picked = !points_.empty() || !picks_.empty() || placing_ || !chosen_.empty();
     if (tool_ != Select) {
         if (picked) {
             points_.clear();
             snaps_.clear();
             picks_.clear();
+            chosen_.clear();
+            offsetPreview_.clear();
             placing_ = false;
             chainStart_.reset();
             setStep(0);
@@ -314,6 +333,9 @@ void SketchSession::refresh() {
         setStep(0);
     }
     std::erase_if(snaps_, [&](const RecordedSnap& s) { return !exists(s.reference); });
+    if (std::erase_if(chosen_, [&](const std::string& id) { return !current->findEntity(id); }) &&
+        chosen_.empty())
+        setStep(0);
     std::vector<std::string> entities = selectedEntities_, constraints = selectedConstraints_;
     std::erase_if(entities, [&](const std::string& id) { return !current->findEntity(id); });
     std::erase_if(constraints, [&](const std::string& id) { return !current->findConstraint(id); });
@@ -321,6 +343,10 @@ void SketchSession::refresh() {
     if (!editing_.empty() && !current->findConstraint(editing_)) closeEditor();
     if (drag_.kind == Drag::Point && !exists(drag_.reference)) drag_ = {};
     if (drag_.kind == Drag::Label && !current->findConstraint(drag_.reference)) drag_ = {};
+    if (drag_.kind == Drag::Entities &&
+        std::any_of(drag_.entities.begin(), drag_.entities.end(),
+                    [&](const std::string& id) { return !current->findEntity(id); }))
+        drag_ = {};
     if (!hoverDimension_.empty() && !current->findConstraint(hoverDimension_))
         hoverDimension_.clear();
     updateHover();
@@ -350,15 +376,18 @@ void SketchSession::updateHover() {
         return;
     }
     caption_.clear();
+    if (tool_ == Offset && step_ == 1) updateOffsetPreview();
     Hit hit;
     std::string dimension;
     if (hasCursor_ && drag_.kind == Drag::None) {
-        if (tool_ == Select) {
+        if (tool_ == Select && !formPick_.on) {
             if (const SketchConstraint* label = labelAt(cursorPixel_)) dimension = label->id;
         }
-        if (dimension.empty())
-            hit = scene_.pick(cursor_, pixel_,
-                              tool_ == Select ? static_cast<unsigned>(PickAll) : acceptedKinds());
+        const unsigned kinds = formPick_.on       ? formPickKinds()
+                               : tool_ == Select ? static_cast<unsigned>(PickAll)
+                                                 : acceptedKinds();
+        if (dimension.empty() && kinds) hit = scene_.pick(cursor_, pixel_, kinds);
+        if (formPick_.on && hit.entity < 0 && formPick_.what != FormPick::Points) hit = {};
     }
     hover_ = hit;
     hoverDimension_ = dimension;
@@ -418,12 +447,17 @@ bool SketchSession::mousePress(QPointF position, Qt::KeyboardModifiers modifiers
     if (!active_) return false;
     if (!editing_.empty()) closeEditor();
     if (!locate(position)) return true;
-    if (tool_ == Select) {
+    if (formPick_.on) {
+        clickFormPick();
+    } else if (tool_ == Select) {
         pressSelect(modifiers);
     } else if (isDrawingTool()) {
         snapCursor();
         trackArc();
         clickDrawing();
+    } else if (isModifyTool()) {
+        const unsigned kinds = acceptedKinds();
+        clickModify(kinds ? scene_.pick(cursor_, pixel_, kinds) : Hit{}, modifiers);
     } else {
         clickPicking();
     }
@@ -440,8 +474,8 @@ void SketchSession::mouseMove(QPointF position, Qt::KeyboardModifiers /*modifier
     // Every repaint of the see-through layer redraws the view beneath it, so a move
     // over nothing, with nothing following the cursor, paints nothing.
     auto idle = [this] {
-        return !isDrawingTool() && drag_.kind == Drag::None && picks_.empty() && !placing_ &&
-               !hover_ && hoverDimension_.empty();
+        return !isDrawingTool() && tool_ != Offset && drag_.kind == Drag::None && picks_.empty() &&
+               !placing_ && !hover_ && hoverDimension_.empty();
     };
     const bool wasIdle = idle();
     if (drag_.kind != Drag::None) {
@@ -454,16 +488,35 @@ void SketchSession::mouseMove(QPointF position, Qt::KeyboardModifiers /*modifier
 }
 
 void SketchSession::mouseRelease(QPointF position, Qt::KeyboardModifiers modifiers) {
-    if (!active_ || tool_ != Select) return;
+    if (!active_ || tool_ != Select || formPick_.on) return;
     if (locate(position) && drag_.kind != Drag::None) moveDrag(position);
     releaseSelect(modifiers);
     repaint();
 }
 
 void SketchSession::mouseDoubleClick(QPointF position, Qt::KeyboardModifiers /*modifiers*/) {
-    if (!active_ || tool_ != Select) return;
-    if (const SketchConstraint* label = labelAt(position))
-        editDimension(QString::fromStdString(label->id));
+    if (!active_ || formPick_.on || (tool_ != Select && tool_ != Text)) return;
+    if (tool_ == Select)
+        if (const SketchConstraint* label = labelAt(position)) {
+            editDimension(QString::fromStdString(label->id));
+            return;
+        }
+    if (!locate(position)) return;
+    const Hit hit = scene_.pick(cursor_, pixel_, PickAll);
+    const SketchObject* current = sketch();
+    if (!hit || hit.entity < 0 || !current) return;
+    const SketchEntity& entity = scene_.entities()[static_cast<std::size_t>(hit.entity)];
+    if (entity.kind() == EntityKind::Text) {
+        emit editTextRequested(QString::fromStdString(entity.id));
+        return;
+    }
+    // A copy a pattern made opens its pattern.
+    for (const SketchPattern& pattern : current->patterns)
+        if (std::find(pattern.copies.begin(), pattern.copies.end(), entity.id) !=
+            pattern.copies.end()) {
+            emit editPatternRequested(QString::fromStdString(pattern.id));
+            return;
+        }
 }
 
 void SketchSession::leave() {
@@ -483,6 +536,12 @@ bool SketchSession::keyPress(QKeyEvent* event) {
     const int key = event->key();
     if (key == Qt::Key_Escape) return cancel();
     if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        if (tool_ == Mirror && step_ == 1) {
+            setStep(2);
+            updateHover();
+            repaint();
+            return true;
+        }
         if (!isDrawingTool()) return false;
         if (tool_ == Spline) {
             if (points_.size() >= 2) finishSpline(false);
@@ -492,7 +551,10 @@ bool SketchSession::keyPress(QKeyEvent* event) {
         return true;
     }
     const QString text = event->text();
-    if (isDrawingTool() && text.size() == 1 && text[0].isDigit() && fields_->hasFields()) {
+    // A digit starts typing a size; the offset's distance may also start negative.
+    const bool starts = text.size() == 1 &&
+                        (text[0].isDigit() || (tool_ == Offset && text[0] == QLatin1Char('-')));
+    if ((isDrawingTool() || tool_ == Offset) && starts && fields_->hasFields()) {
         emit typingRequested(text);
         startFields();
         fields_->startTyping(text);

@@ -57,8 +57,19 @@ public:
         Slot = 9,
         Dimension = 10,
         Constraint = 11,
+        Fillet = 12,
+        Chamfer = 13,
+        Trim = 14,
+        Extend = 15,
+        Offset = 16,
+        Mirror = 17,
+        Text = 18,
         CenterRectangle = 19
     };
+
+    // What a form picking in this sketch takes from a click: whole entities (any of
+    // them, or only curves) or named points ("Circle1.center", "Origin").
+    enum class FormPick { Entities, Curves, Points };
 
     // overlayParent: the widget the session draws over (the viewport). The session
     // takes no Qt parent: its owner deletes it, and it takes its widgets along.
@@ -77,8 +88,8 @@ public:
     bool isActive() const { return active_; }
     const std::string& sketchId() const { return sketchId_; }
 
-    // constraintKind: the constraint type 0..11 for the Constraint tool. Tools not
-    // built here (fillet .. text) and unknown numbers are ignored.
+    // constraintKind: the constraint type 0..11 for the Constraint tool. Unknown
+    // numbers are ignored. Mirror and Offset start from the selected entities.
     void setTool(int tool, int constraintKind = -1);
     int tool() const { return tool_; }
     int constraintKind() const { return constraintKind_; }
@@ -86,6 +97,19 @@ public:
     int step() const { return step_; }
     void setConstruction(bool on);
     bool construction() const { return construction_; }
+    // Chain selection: a click on a line or arc selects the curves joined to it end to end.
+    void setChainSelection(bool on) { chain_ = on; }
+    bool chainSelection() const { return chain_; }
+    // The entities Mirror or Offset has picked so far.
+    const std::vector<std::string>& chosen() const { return chosen_; }
+
+    // A form's pick row takes its clicks from this sketch: each click on what `what`
+    // allows hands a reference to `picked`; `marked` lists what the row holds, drawn
+    // highlighted. The tool goes back to Select; stopFormPick() ends it.
+    void startFormPick(FormPick what, std::function<void(const std::string&)> picked,
+                       std::function<std::vector<std::string>()> marked = {});
+    void stopFormPick();
+    bool formPicking() const { return formPick_.on; }
 
     // Esc: leaves the current step; with nothing picked ends the tool. False when the
     // session was in the select state with nothing to drop (the sketch is finished then).
@@ -123,6 +147,11 @@ signals:
     void constraintSelectionChanged(const QString& constraint);
     void editDimensionRequested(const QString& constraint);
     void hoverTextChanged(const QString& text);
+    // The Text tool's click: new text goes at this sketch point (millimetres).
+    void textPlacementRequested(const QPointF& at);
+    // A double-click on text, or on a copy a sketch pattern made.
+    void editTextRequested(const QString& entity);
+    void editPatternRequested(const QString& pattern);
 
 private:
     struct RecordedSnap {
@@ -131,7 +160,7 @@ private:
     };
     // A press in the select state: on a point or a label it may become a drag.
     struct Drag {
-        enum Kind { None, Point, Label };
+        enum Kind { None, Point, Label, Entities };
         bool pressed = false;
         Hit hit; // what the press was on
         Kind kind = None;
@@ -141,6 +170,15 @@ private:
         Point2 grab;   // a label: its position minus the cursor at the press
         Point2 target; // where the point or the label goes
         std::optional<std::vector<SketchEntity>> solved; // a point drag's re-solved sketch
+        Point2 start;                                    // entities: the press in the sketch
+        std::vector<std::string> entities;               // entities: what moves
+        std::vector<SketchEntity> moved;                 // entities: where they would go
+    };
+    struct FormPickState {
+        bool on = false;
+        FormPick what = FormPick::Entities;
+        std::function<void(const std::string&)> picked;
+        std::function<std::vector<std::string>()> marked;
     };
     // A dimension as drawn: its constraint, where its label is and the label's box.
     struct DimensionView {
@@ -153,12 +191,15 @@ private:
     // Lifecycle and state (SketchSession.cpp).
     const SketchObject* sketch() const;
     bool isDrawingTool() const;
+    bool isModifyTool() const;
     DrawKind drawKind() const;
     void resetTool();
     void setStep(int step);
     void updateStatus();
     QString prompt() const;
-    void refuse();
+    // Puts a sentence in front of the prompt until the next step: by default "That
+    // can't be used here".
+    void refuse(const char* why = nullptr);
     bool locate(QPointF pixel);
     double pixelAt(Point2 p) const;
     void updateHover();
@@ -183,6 +224,25 @@ private:
     bool addAutomatic(ConstraintType type, std::vector<SketchRef> refs,
                       const TypedValue* value = nullptr, std::optional<Point2> label = {});
     CommandRecord entityRecord(const SketchEntity& entity) const;
+
+    // Fillet, chamfer, trim, extend, offset, mirror and text (SketchSessionModify.cpp).
+    QString modifyPrompt() const;
+    void clickModify(const Hit& hit, Qt::KeyboardModifiers modifiers);
+    void clickCorner(const Hit& hit);
+    void clickOffset(const Hit& hit, Qt::KeyboardModifiers modifiers);
+    void clickMirror(const Hit& hit);
+    // The copies an offset would make now, and the distance it would use.
+    void updateOffsetPreview();
+    void placeOffset(bool typed);
+    void setChosen(std::vector<std::string> ids);
+    std::string chosenList() const;
+    // The lines and arcs joined end to end with this one (itself for other kinds).
+    std::vector<std::string> chainOf(int entity) const;
+    // What a click on this entity selects: it, or with chain selection its chain, and
+    // the rest of its group.
+    std::vector<std::string> selectionUnit(int entity) const;
+    void clickFormPick();
+    unsigned formPickKinds() const;
 
     // Dimension and constraint tools (SketchSessionPicks.cpp).
     unsigned acceptedKinds() const;
@@ -227,7 +287,7 @@ private:
     int constraintKind_ = -1;
     bool construction_ = false;
     int step_ = 0;
-    bool refused_ = false; // the last click could not be used
+    QString refusal_; // why the last click could not be used; empty when it could
     QString status_, caption_, hoverText_;
     units::Length unit_ = units::Length::Millimeters;
 
@@ -257,6 +317,15 @@ private:
     // waits for its label.
     std::vector<Hit> picks_;
     bool placing_ = false;
+
+    // Mirror and Offset: the entities picked; the offset's copies as they would be made
+    // now, with their distance. The corner tools' last values.
+    std::vector<std::string> chosen_;
+    std::vector<SketchEntity> offsetPreview_;
+    double offsetDistance_ = 0;
+    double lastFillet_ = 0, lastChamfer_ = 0;
+    bool chain_ = false;
+    FormPickState formPick_;
 
     Hit hover_;
     std::string hoverDimension_;

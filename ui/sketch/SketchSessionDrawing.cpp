@@ -150,6 +150,10 @@ void SketchSession::clickDrawing() {
 }
 
 void SketchSession::completeStep() {
+    if (active_ && tool_ == Offset) {
+        placeOffset(true);
+        return;
+    }
     if (!active_ || !isDrawingTool() || inlineFields(drawKind(), step_).empty()) return;
     typed_.clear();
     typedValid_ = fields_->typedValues(typed_);
@@ -185,7 +189,7 @@ void SketchSession::startFields() {
 void SketchSession::typedChanged() {
     typed_.clear();
     typedValid_ = fields_->typedValues(typed_);
-    updatePreview();
+    updateHover();
     repaint();
 }
 

@@ -75,7 +75,7 @@ void SketchSession::paint(QPainter& painter) const {
             painter.setBrush(Qt::NoBrush);
             return;
         }
-        for (const CurvePiece& piece : entityPieces(e, -1, deflection))
+        for (const CurvePiece& piece : entityPieces(e, -1, deflection, &scene_.entities()))
             polyline(pieceOutline(piece, deflection));
     };
     auto ring = [&](Point2 p, const QColor& colour, double radius) {
@@ -107,6 +107,25 @@ void SketchSession::paint(QPainter& painter) const {
     for (const std::string& id : selectedEntities_)
         if (const int index = scene_.entityIndex(id); index >= 0)
             drawEntity(entities[static_cast<std::size_t>(index)], pen(kAccent, 3));
+    // What Mirror or Offset picked, the offset's copies, entities being dragged.
+    for (const std::string& id : chosen_)
+        if (const int index = scene_.entityIndex(id); index >= 0)
+            drawEntity(entities[static_cast<std::size_t>(index)], pen(kAccent, 3));
+    if (hasCursor_)
+        for (const SketchEntity& copy : offsetPreview_) drawEntity(copy, pen(kAccent, 1.8, true));
+    if (drag_.kind == Drag::Entities && drag_.moving)
+        for (const SketchEntity& moved : drag_.moved) drawEntity(moved, pen(kAccent, 2, true));
+    // What a form's pick row holds: entities, or named points.
+    if (formPick_.on && formPick_.marked)
+        for (const std::string& reference : formPick_.marked()) {
+            if (const int index = scene_.entityIndex(reference); index >= 0) {
+                drawEntity(entities[static_cast<std::size_t>(index)], pen(kAccent, 3));
+                continue;
+            }
+            const std::optional<SketchRef> ref = parseReference(reference);
+            const std::optional<RefShape> shape = ref ? refShape(*ref, entities) : std::nullopt;
+            if (shape && shape->kind == ResolvedRef::Point) ring(shape->a, kAccent, 5);
+        }
     for (const Hit& pick : picks_) highlight(pick, kAccent, 3);
     if (drag_.kind == Drag::None) highlight(hover_, kAccentLight, 2.5);
 
@@ -183,7 +202,7 @@ void SketchSession::paint(QPainter& painter) const {
 
     // The caption (drawing) or what the cursor is over (other tools), beside the cursor.
     if (hasCursor_ && drag_.kind == Drag::None) {
-        const QString& text = isDrawingTool() ? caption_ : hoverText_;
+        const QString& text = isDrawingTool() || !caption_.isEmpty() ? caption_ : hoverText_;
         // While values are typed the caption heads their card, which stays put.
         QPointF at = cursorPixel_ + QPointF(16, 16);
         if (fields_->isVisible()) {

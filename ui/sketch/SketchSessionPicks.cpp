@@ -49,6 +49,22 @@ const char* constraintName(ConstraintType type) {
 } // namespace
 
 unsigned SketchSession::acceptedKinds() const {
+    switch (tool_) {
+    case Fillet:
+    case Chamfer:
+        return PickPoints;
+    case Trim:
+    case Offset:
+        return PickLines | PickCircles | PickShapes;
+    case Extend:
+        return PickLines | PickCircles;
+    case Mirror:
+        return step_ < 2 ? static_cast<unsigned>(PickAll) : static_cast<unsigned>(PickLines);
+    case Text:
+        return 0;
+    default:
+        break;
+    }
     const std::size_t n = picks_.size();
     const K first = n > 0 ? picks_[0].refKind : K::Point;
     if (tool_ == Dimension) {

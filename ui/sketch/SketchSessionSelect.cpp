@@ -7,6 +7,8 @@
 #include "core/units/Format.h"
 #include "sketch/SketchObject.h"
 #include "sketch/SketchSolver.h"
+#include "sketch/patterns/EntityMotion.h"
+#include "ui/presentation/ReferencePicker.h"
 
 #include <QFontMetricsF>
 #include <QKeyEvent>
@@ -131,7 +133,45 @@ void SketchSession::pressSelect(Qt::KeyboardModifiers /*modifiers*/) {
         drag_.kind = Drag::Point;
         drag_.reference = drag_.hit.reference;
         drag_.target = drag_.hit.position;
+    } else if (drag_.hit.kind == Hit::Curve && drag_.hit.entity >= 0) {
+        // A curve moves with the rest of the selection when it is part of it, else
+        // with what a click on it would select.
+        drag_.kind = Drag::Entities;
+        drag_.start = cursor_;
+        const std::string& id = scene_.entities()[static_cast<std::size_t>(drag_.hit.entity)].id;
+        const bool selected = std::find(selectedEntities_.begin(), selectedEntities_.end(), id) !=
+                              selectedEntities_.end();
+        drag_.entities = selected ? selectedEntities_ : selectionUnit(drag_.hit.entity);
     }
+}
+
+std::vector<std::string> SketchSession::chainOf(int entity) const {
+    const SketchEntity& clicked = scene_.entities()[static_cast<std::size_t>(entity)];
+    std::vector<std::string> chain;
+    if (document_ && (clicked.kind() == EntityKind::Line || clicked.kind() == EntityKind::Arc)) {
+        const std::string prefix = sketchId_ + "/";
+        for (const std::string& reference : expandReference(*document_, prefix + clicked.id))
+            if (reference.rfind(prefix, 0) == 0) chain.push_back(reference.substr(prefix.size()));
+    }
+    if (chain.empty()) chain.push_back(clicked.id);
+    return chain;
+}
+
+std::vector<std::string> SketchSession::selectionUnit(int entity) const {
+    std::vector<std::string> unit =
+        chain_ ? chainOf(entity)
+               : std::vector<std::string>{scene_.entities()[static_cast<std::size_t>(entity)].id};
+    // Grouped entities select together.
+    for (std::size_t i = 0, n = unit.size(); i < n; ++i) {
+        const int index = scene_.entityIndex(unit[i]);
+        const std::string& group =
+            index >= 0 ? scene_.entities()[static_cast<std::size_t>(index)].group : std::string();
+        if (group.empty()) continue;
+        for (const SketchEntity& e : scene_.entities())
+            if (e.group == group && std::find(unit.begin(), unit.end(), e.id) == unit.end())
+                unit.push_back(e.id);
+    }
+    return unit;
 }
 
 void SketchSession::moveDrag(QPointF position) {
@@ -141,6 +181,23 @@ void SketchSession::moveDrag(QPointF position) {
     }
     if (drag_.kind == Drag::Label) {
         drag_.target = {cursor_.x + drag_.grab.x, cursor_.y + drag_.grab.y};
+        return;
+    }
+    if (drag_.kind == Drag::Entities) {
+        // The entities slide by whole grid steps; drawn where they would go.
+        drag_.target = roundToGrid({cursor_.x - drag_.start.x, cursor_.y - drag_.start.y},
+                                   gridStep(unit_));
+        drag_.moved.clear();
+        const RigidMotion motion{{0, 0}, 0, drag_.target};
+        for (const std::string& id : drag_.entities) {
+            const int index = scene_.entityIndex(id);
+            if (index < 0) continue;
+            SketchEntity moved = scene_.entities()[static_cast<std::size_t>(index)];
+            Result<SketchGeometry> geometry = moveGeometry(moved.geometry, motion);
+            if (!geometry) continue;
+            moved.geometry = std::move(geometry).value();
+            drag_.moved.push_back(std::move(moved));
+        }
         return;
     }
     // The point follows the cursor in whole grid steps; the preview re-solves the
@@ -168,6 +225,17 @@ void SketchSession::releaseSelect(Qt::KeyboardModifiers modifiers) {
         run(record);
         return;
     }
+    if (drag.moving && drag.kind == Drag::Entities) {
+        if (drag.target == Point2{0, 0}) return;
+        std::string list;
+        for (const std::string& id : drag.entities) list += (list.empty() ? "" : "; ") + id;
+        CommandRecord record("move_entities");
+        record.set("sketch", sketchId_).set("entities", list);
+        record.set("x", drag.target.x).set("y", drag.target.y);
+        // What moved stays selected, to be moved again.
+        if (run(record)) setSelection(drag.entities, {});
+        return;
+    }
     if (drag.moving && drag.kind == Drag::Label) {
         const SketchConstraint* c = nullptr;
         for (const SketchConstraint& candidate : constraints_)
@@ -190,7 +258,15 @@ void SketchSession::releaseSelect(Qt::KeyboardModifiers modifiers) {
     if (drag.kind == Drag::Label) {
         toggle(constraints, drag.reference);
     } else if (drag.hit && drag.hit.entity >= 0) {
-        toggle(entities, scene_.entities()[static_cast<std::size_t>(drag.hit.entity)].id);
+        // A chain or group goes in or out as one.
+        const std::vector<std::string> unit = selectionUnit(drag.hit.entity);
+        const bool all = std::all_of(unit.begin(), unit.end(), [&](const std::string& id) {
+            return std::find(entities.begin(), entities.end(), id) != entities.end();
+        });
+        for (const std::string& id : unit) {
+            const bool in = std::find(entities.begin(), entities.end(), id) != entities.end();
+            if (in == all) toggle(entities, id);
+        }
     } else if (adding) {
         return;
     }
