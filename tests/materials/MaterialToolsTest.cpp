@@ -92,7 +92,8 @@ TEST(BodyMass, FollowsTheMaterialInGetBodyAndGetDocument) {
     EXPECT_EQ(byDefault["mass_kg"].get<double>(), rounded(6000 * 1e-9 * 7850));
 
     s.ok("set_appearance", {{"targets", "Box1/Box1.top"}, {"appearance", "paint_red"}});
-    for (const json& face : s.okJson("get_body", {{"body", "Box1"}})["faces"])
+    const json body = s.okJson("get_body", {{"body", "Box1"}});
+    for (const json& face : body["faces"])
         EXPECT_EQ(face.contains("appearance"), face["ref"] == "Box1/Box1.top") << face.dump();
 }
 
