@@ -169,11 +169,11 @@ std::vector<ArgSpec> EditSketchEntityCommand::arguments() {
         {"points", T::String, false, "Spline fit points: \"x,y; x,y; ...\".", {}, ""},
         {"closed", T::Boolean, false, "Spline: closed and periodic.", {}, ""},
     };
-    for (ArgSpec& spec : text::textArguments()) {
+    for (ArgSpec& argument : text::textArguments()) {
         const auto& only = text::textOnlyKeys();
-        if (std::find(only.begin(), only.end(), spec.name) == only.end()) continue;
-        spec.required = false;
-        declared.push_back(std::move(spec));
+        if (std::find(only.begin(), only.end(), argument.name) == only.end()) continue;
+        argument.required = false;
+        declared.push_back(std::move(argument));
     }
     return declared;
 }

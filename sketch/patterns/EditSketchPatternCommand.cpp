@@ -83,8 +83,8 @@ Result<std::string> EditSketchPatternCommand::change(const Document&, const Sket
     asEdit.name = kName;
     ArgReader reader(asEdit);
     if (Result<void> ok = reader.allowDeclared(patternArguments(*kind)); !ok) return Error(ok);
-    Result<PatternSpec> spec = readPatternSpec(*kind, asEdit);
-    if (!spec) return Error(spec);
+    Result<PatternRecipe> recipe = readPatternRecipe(*kind, asEdit);
+    if (!recipe) return Error(recipe);
 
     const std::set<std::string, std::less<>> old(pattern->copies.begin(), pattern->copies.end());
     auto isOld = [&](const std::string& id) { return old.count(id) > 0; };
@@ -94,11 +94,11 @@ Result<std::string> EditSketchPatternCommand::change(const Document&, const Sket
                            [&](const SketchRef& ref) { return isOld(ref.entity); });
     });
 
-    Result<std::vector<std::string>> copies = makePatternCopies(*spec, lists.entities);
+    Result<std::vector<std::string>> copies = makePatternCopies(*recipe, lists.entities);
     if (!copies) return Error(copies);
     pattern->record = std::move(merged);
     pattern->copies = std::move(copies).value();
-    return "Remade " + pattern_ + ": " + patternSummary(*spec) + ".";
+    return "Remade " + pattern_ + ": " + patternSummary(*recipe) + ".";
 }
 
 } // namespace cad

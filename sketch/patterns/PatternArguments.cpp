@@ -132,72 +132,72 @@ std::vector<ArgSpec> patternArguments(PatternKind kind) {
     return {};
 }
 
-Result<PatternSpec> readPatternSpec(PatternKind kind, const CommandRecord& record) {
+Result<PatternRecipe> readPatternRecipe(PatternKind kind, const CommandRecord& record) {
     ArgReader reader(record);
     const std::string& command = record.name;
-    PatternSpec spec;
-    spec.kind = kind;
+    PatternRecipe recipe;
+    recipe.kind = kind;
 
     const auto* entities = std::get_if<std::string>(record.find("entities"));
     if (!entities || trimmed(*entities).empty())
         return fail(command + ": say which entities, separated by ';'.");
-    spec.entities = splitIds(*entities);
-    if (spec.entities.empty()) return fail("Choose what to pattern.");
+    recipe.entities = splitIds(*entities);
+    if (recipe.entities.empty()) return fail("Choose what to pattern.");
 
     if (kind == PatternKind::Path) {
         const auto* path = std::get_if<std::string>(record.find("path"));
-        spec.path = path ? splitIds(*path) : std::vector<std::string>{};
-        if (spec.path.empty()) return fail(command + ": give the path's curves, separated by ';'.");
+        recipe.path = path ? splitIds(*path) : std::vector<std::string>{};
+        if (recipe.path.empty()) return fail(command + ": give the path's curves, separated by ';'.");
     }
 
     Result<int> count = readCount(reader, record, "count", 2);
     if (!count) return Error(count);
-    spec.count = *count;
+    recipe.count = *count;
 
     switch (kind) {
     case PatternKind::Rectangular: {
         Result<int> count2 = readCount(reader, record, "count2", 1);
         if (!count2) return Error(count2);
-        spec.count2 = *count2;
-        for (auto [key, into] : {std::pair{"spacing", &spec.spacing}, {"spacing2", &spec.spacing2}})
+        recipe.count2 = *count2;
+        for (auto [key, into] : {std::pair{"spacing", &recipe.spacing}, {"spacing2", &recipe.spacing2}})
             if (Result<void> ok = readValue(reader.length(key, 10.0), *into); !ok) return Error(ok);
         for (auto [key, into, fallback] :
-             {std::tuple{"angle", &spec.angle, 0.0}, {"angle2", &spec.angle2, 90.0}})
+             {std::tuple{"angle", &recipe.angle, 0.0}, {"angle2", &recipe.angle2, 90.0}})
             if (Result<void> ok = readValue(reader.angle(key, fallback), *into); !ok)
                 return Error(ok);
         // Copies on top of each other are no pattern.
-        if (spec.count > 1 && std::fabs(spec.spacing) <= 1e-7)
+        if (recipe.count > 1 && std::fabs(recipe.spacing) <= 1e-7)
             return fail(command + ": 'spacing' can't be zero.");
-        if (spec.count2 > 1 && std::fabs(spec.spacing2) <= 1e-7)
+        if (recipe.count2 > 1 && std::fabs(recipe.spacing2) <= 1e-7)
             return fail(command + ": 'spacing2' can't be zero.");
         break;
     }
     case PatternKind::Circular: {
-        if (Result<void> ok = readValue(reader.angle("angle", 360.0), spec.angle); !ok)
+        if (Result<void> ok = readValue(reader.angle("angle", 360.0), recipe.angle); !ok)
             return Error(ok);
-        if (std::fabs(spec.angle) <= 1e-9) return fail(command + ": 'angle' can't be zero.");
+        if (std::fabs(recipe.angle) <= 1e-9) return fail(command + ": 'angle' can't be zero.");
         Result<std::string> center = reader.string("center", "Origin");
         if (!center) return Error(center);
-        spec.center = std::string(trimmed(*center));
-        if (spec.center.empty()) spec.center = "Origin";
+        recipe.center = std::string(trimmed(*center));
+        if (recipe.center.empty()) recipe.center = "Origin";
         break;
     }
     case PatternKind::Path: {
-        spec.spacingGiven = reader.has("spacing");
-        if (spec.spacingGiven) {
-            if (Result<void> ok = readValue(reader.length("spacing"), spec.spacing); !ok)
+        recipe.spacingGiven = reader.has("spacing");
+        if (recipe.spacingGiven) {
+            if (Result<void> ok = readValue(reader.length("spacing"), recipe.spacing); !ok)
                 return Error(ok);
-            if (!(spec.spacing > 1e-7))
+            if (!(recipe.spacing > 1e-7))
                 return fail(command + ": 'spacing' along a path must be greater than zero.");
         }
         Result<bool> follow = reader.boolean("follow", true);
         if (!follow) return Error(follow);
-        spec.follow = *follow;
+        recipe.follow = *follow;
         break;
     }
     }
-    if (spec.count * spec.count2 < 2) return fail("A pattern needs at least two copies.");
-    return spec;
+    if (recipe.count * recipe.count2 < 2) return fail("A pattern needs at least two copies.");
+    return recipe;
 }
 
 } // namespace cad

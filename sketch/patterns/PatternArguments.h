@@ -19,7 +19,7 @@ enum class PatternKind { Rectangular, Circular, Path };
 std::string_view patternCommandName(PatternKind kind);
 std::optional<PatternKind> patternKindOf(std::string_view commandName);
 
-struct PatternSpec {
+struct PatternRecipe {
     PatternKind kind = PatternKind::Rectangular;
     std::vector<std::string> entities; // the selection, copy 0
     int count = 2;
@@ -38,6 +38,6 @@ struct PatternSpec {
 std::vector<ArgSpec> patternArguments(PatternKind kind);
 
 // Reads everything but the sketch; messages begin with the record's name.
-Result<PatternSpec> readPatternSpec(PatternKind kind, const CommandRecord& record);
+Result<PatternRecipe> readPatternRecipe(PatternKind kind, const CommandRecord& record);
 
 } // namespace cad

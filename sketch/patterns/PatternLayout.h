@@ -14,7 +14,7 @@ namespace cad {
 // The motions in copy order: rectangular row by row (the first direction inside the
 // second), circular and path by copy number. The centre and the path are looked up
 // in the entities.
-Result<std::vector<RigidMotion>> patternMotions(const PatternSpec& spec,
+Result<std::vector<RigidMotion>> patternMotions(const PatternRecipe& recipe,
                                                 const std::vector<SketchEntity>& entities);
 
 } // namespace cad

@@ -38,8 +38,8 @@ private:
     std::map<std::string, long long, std::less<>> tried_; // numbers already looked at
 };
 
-int totalCopies(const PatternSpec& spec) {
-    return spec.kind == PatternKind::Rectangular ? spec.count * spec.count2 : spec.count;
+int totalCopies(const PatternRecipe& recipe) {
+    return recipe.kind == PatternKind::Rectangular ? recipe.count * recipe.count2 : recipe.count;
 }
 
 } // namespace
@@ -50,16 +50,16 @@ Result<std::unique_ptr<Command>> SketchPatternCommand::create(PatternKind kind,
     if (Result<void> ok = reader.allowDeclared(patternArguments(kind)); !ok) return Error(ok);
     Result<std::string> sketch = reader.object("sketch");
     if (!sketch) return Error(sketch);
-    Result<PatternSpec> spec = readPatternSpec(kind, record);
-    if (!spec) return Error(spec);
+    Result<PatternRecipe> recipe = readPatternRecipe(kind, record);
+    if (!recipe) return Error(recipe);
     return std::unique_ptr<Command>(
-        std::make_unique<SketchPatternCommand>(record, *sketch, std::move(spec).value()));
+        std::make_unique<SketchPatternCommand>(record, *sketch, std::move(recipe).value()));
 }
 
-Result<std::vector<std::string>> makePatternCopies(const PatternSpec& spec,
+Result<std::vector<std::string>> makePatternCopies(const PatternRecipe& recipe,
                                                    std::vector<SketchEntity>& entities) {
     std::vector<SketchEntity> selection;
-    for (const std::string& id : spec.entities) {
+    for (const std::string& id : recipe.entities) {
         const SketchEntity* entity = findEntity(entities, id);
         if (!entity) return fail("No entity named '" + id + "'.");
         const bool twice = std::any_of(selection.begin(), selection.end(),
@@ -69,11 +69,11 @@ Result<std::vector<std::string>> makePatternCopies(const PatternSpec& spec,
     if (selection.empty()) return fail("Choose what to pattern.");
 
     const std::size_t newEntities =
-        static_cast<std::size_t>(totalCopies(spec) - 1) * selection.size();
+        static_cast<std::size_t>(totalCopies(recipe) - 1) * selection.size();
     if (newEntities > kMostNewEntities)
         return fail("That pattern would make " + std::to_string(newEntities) +
                     " entities; at most " + std::to_string(kMostNewEntities) + " at a time.");
-    Result<std::vector<RigidMotion>> motions = patternMotions(spec, entities);
+    Result<std::vector<RigidMotion>> motions = patternMotions(recipe, entities);
     if (!motions) return Error(motions);
 
     std::vector<std::string> made;
@@ -96,14 +96,14 @@ Result<std::vector<std::string>> makePatternCopies(const PatternSpec& spec,
     return made;
 }
 
-std::string patternSummary(const PatternSpec& spec) {
+std::string patternSummary(const PatternRecipe& recipe) {
     std::vector<std::string> distinct;
-    for (const std::string& id : spec.entities)
+    for (const std::string& id : recipe.entities)
         if (std::find(distinct.begin(), distinct.end(), id) == distinct.end())
             distinct.push_back(id);
     const std::size_t n = distinct.size();
     return std::to_string(n) + (n == 1 ? " entity" : " entities") + " into " +
-           std::to_string(totalCopies(spec)) + " copies";
+           std::to_string(totalCopies(recipe)) + " copies";
 }
 
 std::string nextPatternId(const std::vector<SketchPattern>& patterns) {

@@ -18,24 +18,24 @@ public:
     static std::vector<ArgSpec> arguments(PatternKind kind) { return patternArguments(kind); }
     static Result<std::unique_ptr<Command>> create(PatternKind kind, const CommandRecord& record);
 
-    SketchPatternCommand(CommandRecord record, std::string sketch, PatternSpec spec)
-        : SketchSnapshotCommand(std::move(record), std::move(sketch)), spec_(std::move(spec)) {}
+    SketchPatternCommand(CommandRecord record, std::string sketch, PatternRecipe recipe)
+        : SketchSnapshotCommand(std::move(record), std::move(sketch)), spec_(std::move(recipe)) {}
 
 protected:
     Result<std::string> change(const Document& document, const SketchObject& sketch,
                                Lists& lists) override;
 
 private:
-    PatternSpec spec_;
+    PatternRecipe spec_;
 };
 
 // The copies of a pattern appended to the entities (new IDs, same kinds, the
 // construction flag kept); the IDs of the copies in the order made.
-Result<std::vector<std::string>> makePatternCopies(const PatternSpec& spec,
+Result<std::vector<std::string>> makePatternCopies(const PatternRecipe& recipe,
                                                    std::vector<SketchEntity>& entities);
 
 // "2 entities into 6 copies": what a pattern made, its selection included.
-std::string patternSummary(const PatternSpec& spec);
+std::string patternSummary(const PatternRecipe& recipe);
 
 // "Pattern" followed by the smallest number no pattern of the sketch uses.
 std::string nextPatternId(const std::vector<SketchPattern>& patterns);

@@ -198,10 +198,10 @@ std::vector<ArgSpec> textArguments() {
 const std::vector<std::string>& textOnlyKeys() {
     static const std::vector<std::string> keys = [] {
         std::vector<std::string> out;
-        for (const ArgSpec& spec : textArguments())
-            if (spec.name != "x" && spec.name != "y" && spec.name != "height" &&
-                spec.name != "angle")
-                out.push_back(spec.name);
+        for (const ArgSpec& argument : textArguments())
+            if (argument.name != "x" && argument.name != "y" && argument.name != "height" &&
+                argument.name != "angle")
+                out.push_back(argument.name);
         return out;
     }();
     return keys;
