@@ -9,6 +9,7 @@
 #include "geometry/planes/SectionObject.h"
 #include "rendering/Viewport.h"
 #include "sketch/SketchObject.h"
+#include "ui/presentation/BodyLook.h"
 #include "ui/presentation/OriginPresentation.h"
 #include "ui/presentation/PlanePresentation.h"
 #include "ui/presentation/SectionPresentation.h"
@@ -46,9 +47,6 @@ constexpr double kOriginSize = 60.0;
 
 Handle(AIS_ColoredShape) makeBodyPresentation(const TopoDS_Shape& shape) {
     Handle(AIS_ColoredShape) body = new AIS_ColoredShape(shape);
-    body->SetMaterial(Graphic3d_NameOfMaterial_Plastified);
-    // A light blue-grey until bodies carry their own appearance.
-    body->SetColor(srgb(0.64, 0.68, 0.74));
     const Handle(Prs3d_Drawer)& drawer = body->Attributes();
     drawer->SetFaceBoundaryDraw(true);
     drawer->SetFaceBoundaryAspect(
@@ -72,6 +70,8 @@ struct DocumentPresenter::Impl {
         // What a reference plane is drawn from, so a change that leaves it alone
         // (a rename, visibility) redraws nothing.
         std::vector<double> drawn;
+        // What a body was painted with (its appearance, material, face paint).
+        std::string look;
     };
 
     explicit Impl(rendering::Viewport& v) : viewport(v) {}
@@ -179,7 +179,9 @@ struct DocumentPresenter::Impl {
             }
             auto it = presentations.find(object.id);
             if (it == presentations.end()) {
-                Entry entry{Kind::Body, {makeBodyPresentation(body->shape.shape())}, {}, {}};
+                Entry entry{Kind::Body, {makeBodyPresentation(body->shape.shape())}, {}, {}, {}};
+                paintBody(Handle(AIS_ColoredShape)::DownCast(entry.parts.front()), *document, *body);
+                entry.look = bodyLookKey(*document, *body);
                 owners[entry.parts.front().get()] = object.id;
                 rebuildMarks(*body, entry);
                 presentations.emplace(object.id, std::move(entry));
@@ -187,10 +189,20 @@ struct DocumentPresenter::Impl {
             }
             rebuildMarks(*body, it->second);
             auto shape = Handle(AIS_ColoredShape)::DownCast(it->second.parts.front());
-            // A change that left the shape alone (visibility, label) redraws nothing.
-            if (shape->Shape().IsEqual(body->shape.shape())) return true;
+            // A change that left the shape and its look alone (visibility, label)
+            // redraws nothing.
+            std::string look = bodyLookKey(*document, *body);
+            const bool sameShape = shape->Shape().IsEqual(body->shape.shape());
+            if (sameShape && look == it->second.look) return true;
+            it->second.look = std::move(look);
+            if (sameShape) {
+                paintBody(shape, *document, *body);
+                if (ctx) ctx->Redisplay(shape, false);
+                return true;
+            }
             if (ctx) clearSelectionOf(ctx, it->second);
             shape->SetShape(body->shape.shape());
+            paintBody(shape, *document, *body);
             applyTessellation(body->shape.shape(), shape->Attributes());
             recompute(ctx, shape);
             return true;
@@ -198,7 +210,7 @@ struct DocumentPresenter::Impl {
         if (auto* sketch = dynamic_cast<SketchObject*>(&object)) {
             auto it = presentations.find(object.id);
             if (it == presentations.end()) {
-                Entry entry{Kind::Sketch, {}, {}, {}};
+                Entry entry{Kind::Sketch, {}, {}, {}, {}};
                 for (const Handle(SketchPartPresentation) & part : makeSketchParts(*sketch)) {
                     owners[part.get()] = object.id;
                     entry.parts.push_back(part);
@@ -233,7 +245,7 @@ struct DocumentPresenter::Impl {
         const TopoDS_Shape shape = referencePlaneShape(at, plane.halfWidth);
         auto it = presentations.find(plane.id);
         if (it == presentations.end()) {
-            Entry entry{Kind::Plane, {makeReferencePlanePresentation(shape)}, {}, drawn};
+            Entry entry{Kind::Plane, {makeReferencePlanePresentation(shape)}, {}, drawn, {}};
             owners[entry.parts.front().get()] = plane.id;
             presentations.emplace(plane.id, std::move(entry));
             return true;
@@ -257,7 +269,7 @@ struct DocumentPresenter::Impl {
         Handle(SectionPlanePresentation) plane = new SectionPlanePresentation();
         plane->place(section.placement, shownBodiesBox());
         owners[plane.get()] = section.id;
-        presentations.emplace(section.id, Entry{Kind::Section, {plane}, {}, {}});
+        presentations.emplace(section.id, Entry{Kind::Section, {plane}, {}, {}, {}});
         return true;
     }
 
