@@ -30,6 +30,9 @@ TEST_F(PresenterView, BodiesAndFacesAreDrawnInTheirAppearance) {
     std::optional<TopoDS_Shape> topFace = box->shape.findByName("Box1.top");
     ASSERT_TRUE(topFace);
     EXPECT_TRUE(body->CustomAspectsMap().IsBound(*topFace));
+    // The faces keep their dark outline whatever colour they are.
+    Quantity_Color outline = body->Attributes()->FaceBoundaryAspect()->Aspect()->Color();
+    EXPECT_LT(outline.Distance(Quantity_Color(0.12, 0.10, 0.09, Quantity_TOC_sRGB)), 1e-3);
     // Seen from above, the painted top face shows blue where it was grey.
     const QColor after = viewport->grabFramebuffer().pixelColor(top.toPoint());
     EXPECT_GT(after.blue(), after.red() + 40) << after.name().toStdString();

@@ -7,6 +7,8 @@
 #include "geometry/materials/BodyMaterial.h"
 
 #include <Graphic3d_MaterialAspect.hxx>
+#include <Prs3d_Drawer.hxx>
+#include <Prs3d_LineAspect.hxx>
 #include <Quantity_Color.hxx>
 
 namespace cad::ui {
@@ -59,6 +61,10 @@ void paintBody(const Handle(AIS_ColoredShape) & presentation, const Document& do
         presentation->SetColor(Quantity_Color(0.64, 0.68, 0.74, Quantity_TOC_sRGB));
         presentation->SetTransparency(0.0);
     }
+    // Setting a colour recolours every line aspect: the face boundaries go back to
+    // their dark outline.
+    if (const Handle(Prs3d_LineAspect)& outline = presentation->Attributes()->FaceBoundaryAspect())
+        outline->SetColor(Quantity_Color(0.12, 0.10, 0.09, Quantity_TOC_sRGB));
     for (const auto& [face, appearance] : body.faceAppearances) {
         std::optional<TopoDS_Shape> shape = body.shape.findByName(face);
         std::optional<Appearance> faceLook = lookOfFace(document, body, face);
