@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cad {
 
@@ -30,6 +31,21 @@ constexpr std::string_view trimmed(std::string_view text) {
     std::size_t first = text.find_first_not_of(spaces);
     if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(spaces) - first + 1);
+}
+
+// The items of a ';'-separated list ("Line1; Circle2"), each trimmed, empty ones
+// left out.
+inline std::vector<std::string> splitList(std::string_view text) {
+    std::vector<std::string> items;
+    std::size_t start = 0;
+    while (start <= text.size()) {
+        std::size_t end = text.find(';', start);
+        if (end == std::string_view::npos) end = text.size();
+        std::string_view item = trimmed(text.substr(start, end - start));
+        if (!item.empty()) items.emplace_back(item);
+        start = end + 1;
+    }
+    return items;
 }
 
 } // namespace cad

@@ -220,18 +220,7 @@ std::vector<std::string> referencedObjects(const std::vector<std::string>& refer
     return ids;
 }
 
-std::vector<std::string> splitReferenceList(std::string_view text) {
-    std::vector<std::string> items;
-    std::size_t start = 0;
-    while (start <= text.size()) {
-        std::size_t end = text.find(';', start);
-        if (end == std::string_view::npos) end = text.size();
-        std::string_view item = trimmed(text.substr(start, end - start));
-        if (!item.empty()) items.emplace_back(item);
-        start = end + 1;
-    }
-    return items;
-}
+std::vector<std::string> splitReferenceList(std::string_view text) { return splitList(text); }
 
 Result<ResolvedReference> resolveReference(const Document& document, std::string_view text,
                                            const ReferenceContext& context) {

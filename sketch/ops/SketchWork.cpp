@@ -2,6 +2,7 @@
 // added with add_constraint's checks, and rewritten references.
 #include "sketch/ops/SketchWork.h"
 
+#include "core/TextCase.h"
 #include "sketch/SketchSolver.h"
 
 #include <algorithm>
@@ -10,19 +11,8 @@ namespace cad::ops {
 
 std::vector<std::string> splitEntityList(std::string_view text) {
     std::vector<std::string> ids;
-    std::size_t at = 0;
-    while (at <= text.size()) {
-        std::size_t end = text.find(';', at);
-        if (end == std::string_view::npos) end = text.size();
-        std::string_view item = text.substr(at, end - at);
-        const std::size_t first = item.find_first_not_of(" \t\r\n");
-        if (first != std::string_view::npos) {
-            const std::size_t last = item.find_last_not_of(" \t\r\n");
-            std::string id(item.substr(first, last - first + 1));
-            if (std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(std::move(id));
-        }
-        at = end + 1;
-    }
+    for (std::string& id : splitList(text))
+        if (std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(std::move(id));
     return ids;
 }
 

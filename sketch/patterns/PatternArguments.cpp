@@ -44,20 +44,6 @@ Result<void> readValue(Result<double> value, double& into) {
     return {};
 }
 
-// The items of a ';'-separated list of IDs, trimmed, empty items dropped.
-std::vector<std::string> splitIds(std::string_view text) {
-    std::vector<std::string> items;
-    std::size_t start = 0;
-    while (start <= text.size()) {
-        std::size_t end = text.find(';', start);
-        if (end == std::string_view::npos) end = text.size();
-        std::string_view item = trimmed(text.substr(start, end - start));
-        if (!item.empty()) items.emplace_back(item);
-        start = end + 1;
-    }
-    return items;
-}
-
 } // namespace
 
 std::string_view patternCommandName(PatternKind kind) {
@@ -141,12 +127,12 @@ Result<PatternRecipe> readPatternRecipe(PatternKind kind, const CommandRecord& r
     const auto* entities = std::get_if<std::string>(record.find("entities"));
     if (!entities || trimmed(*entities).empty())
         return fail(command + ": say which entities, separated by ';'.");
-    recipe.entities = splitIds(*entities);
+    recipe.entities = splitList(*entities);
     if (recipe.entities.empty()) return fail("Choose what to pattern.");
 
     if (kind == PatternKind::Path) {
         const auto* path = std::get_if<std::string>(record.find("path"));
-        recipe.path = path ? splitIds(*path) : std::vector<std::string>{};
+        recipe.path = path ? splitList(*path) : std::vector<std::string>{};
         if (recipe.path.empty()) return fail(command + ": give the path's curves, separated by ';'.");
     }
 
