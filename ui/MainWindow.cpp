@@ -15,6 +15,7 @@
 #include "ui/forms/FormController.h"
 #include "ui/panels/CommandPalette.h"
 #include "ui/panels/HistoryPanel.h"
+#include "ui/panels/LooksPanel.h"
 #include "ui/panels/ObjectBrowser.h"
 #include "ui/presentation/ReferencePicker.h"
 #include "ui/sketch/SketchSession.h"
@@ -140,6 +141,8 @@ MainWindow::~MainWindow() {
     reportPanel_ = nullptr;
     delete browserPanel_;
     delete history_;
+    delete looks_;
+    looks_ = nullptr;
     if (resolvingWindow == this) {
         units::installDefaultResolver({}, {});
         resolvingWindow = nullptr;
@@ -232,6 +235,7 @@ void MainWindow::beforeDocumentReplaced() {
     // Nothing may still stand on the old document: a form's trial edit is taken back
     // while its command can still find what it changed.
     endPlanePick();
+    closeLooks();
     if (forms_) forms_->cancel();
     if (editingSketch()) sketchSession_->end();
 }

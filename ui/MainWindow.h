@@ -43,6 +43,8 @@ struct PanelHooks;
 class DocumentPresenter;
 class FormController;
 class HistoryPanel;
+class LooksPanel;
+enum class LooksMode;
 class AutosaveStore;
 class ObjectBrowser;
 struct RecoveryEntry;
@@ -171,6 +173,11 @@ public:
     void startFeature(const QString& featureName);
     void showParameters();
     void showPalette();
+    // The looks panel in appearance or material mode on these targets (faces, bodies,
+    // components); while it shows, clicks on faces add them. Closing ends the clicks.
+    void openLooks(LooksMode mode, const std::vector<std::string>& targets);
+    void closeLooks();
+    LooksPanel* looksPanel() const { return looks_; }
     // Opens an object for editing the way its kind is edited: a sketch in the sketch
     // session, a feature in its form.
     void editObject(const std::string& id);
@@ -191,6 +198,11 @@ private:
     void buildSketchActions();
     // Fillet, Chamfer, Shell, Hole and Thread, which open their forms.
     void buildFeatureActions();
+    // Appearance and Physical Material, which open the looks panel.
+    void buildLooksActions();
+    void buildLooksPanel();
+    void placeLooksPanel();
+    void stopLooksPicking();
     ToolStrip* buildSketchStrip(QWidget* parent);
     void connectSketchSession();
     void beginPlanePick();
@@ -325,6 +337,8 @@ private:
         QAction* combine = nullptr;
         QAction* split = nullptr;
         QAction* deleteFaces = nullptr;
+        QAction* appearance = nullptr;
+        QAction* material = nullptr;
         QAction* referencePlane = nullptr;
         QAction* section = nullptr;
         QAction* parameters = nullptr;
@@ -355,6 +369,9 @@ private:
     ObjectBrowser* browser_ = nullptr;
     OverlayPanel* browserPanel_ = nullptr;
     HistoryPanel* history_ = nullptr;
+    LooksPanel* looks_ = nullptr;
+    // The picker works for the looks panel.
+    bool looksPicking_ = false;
     CommandPalette* palette_ = nullptr;
     QLabel* hud_ = nullptr;
     QLabel* hint_ = nullptr;

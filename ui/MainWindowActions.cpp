@@ -267,6 +267,7 @@ void MainWindow::buildActions() {
 
     buildSketchActions();
     buildFeatureActions();
+    buildLooksActions();
 }
 
 QMenu* MainWindow::buildMenu() {
@@ -392,7 +393,8 @@ QWidget* MainWindow::buildTopBar() {
         QStringLiteral("model.modify"), QStringLiteral("MODIFY"),
         {actions_.fillet, actions_.chamfer, actions_.shell, actions_.combine, actions_.split,
          actions_.mirror, actions_.patternRect, actions_.patternCirc, actions_.patternPath,
-         actions_.deleteFaces, actions_.remove, actions_.parameters},
+         actions_.appearance, actions_.material, actions_.deleteFaces, actions_.remove,
+         actions_.parameters},
         {QStringLiteral("Fillet"), QStringLiteral("Chamfer"), QStringLiteral("Shell"),
          QStringLiteral("Rectangular Pattern")}));
     modelingTools_->addGroup(new ToolGroup(QStringLiteral("model.inspect"),

@@ -97,6 +97,7 @@ void MainWindow::layoutOverlays() {
         forms_->placeForm();
         forms_->form()->raise();
     }
+    placeLooksPanel();
 
     if (commandLogPanel_->isVisible()) {
         const int panelWidth = std::clamp(width / 2, 220, 460);

@@ -1,7 +1,7 @@
 // The panels around the view and what they start: the browser (over the view), the
 // history (in the left rail), the parameters dialog, the command palette, and the
 // feature forms with the actions that open them (Extrude, Fillet, Chamfer, Shell,
-// Hole, Thread).
+// Hole, Thread); the looks panel has its own file.
 #include "ui/MainWindow.h"
 
 #include "core/GeometryObject.h"
@@ -92,6 +92,7 @@ void MainWindow::buildPanels() {
         return QPoint(x, y);
     });
     connect(forms_.get(), &FormController::opened, this, [this] { layoutOverlays(); });
+    buildLooksPanel();
 }
 
 std::vector<std::string> MainWindow::selectedReferences() const {

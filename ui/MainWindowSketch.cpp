@@ -10,6 +10,7 @@
 #include "sketch/SketchObject.h"
 #include "ui/forms/FeatureForm.h"
 #include "ui/forms/FormController.h"
+#include "ui/panels/LooksPanel.h"
 #include "ui/presentation/DocumentPresenter.h"
 #include "ui/presentation/ReferencePicker.h"
 #include "ui/sketch/SketchSession.h"
@@ -485,6 +486,7 @@ void MainWindow::startSketch() {
 }
 
 void MainWindow::beginPlanePick() {
+    closeLooks();
     pickingPlane_ = true;
     showBanner(banner(QStringLiteral("SKETCH"), QStringLiteral("Click a plane or a flat face"),
                       QStringLiteral("Esc to cancel")));
@@ -524,6 +526,7 @@ void MainWindow::editSketch(const std::string& id) {
     const auto* sketch = dynamic_cast<const SketchObject*>(document_.find(id));
     if (!sketch) return;
     endPlanePick();
+    closeLooks();
     if (forms_ && forms_->isOpen()) forms_->cancel();
     if (editingSketch()) sketchSession_->end();
     clearSelection();
@@ -627,6 +630,10 @@ void MainWindow::escape() {
     }
     if (forms_ && forms_->isOpen()) {
         forms_->cancel();
+        return;
+    }
+    if (looks_ && looks_->isVisible()) {
+        closeLooks();
         return;
     }
     if (editingSketch()) {

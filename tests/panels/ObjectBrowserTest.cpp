@@ -173,4 +173,28 @@ TEST_F(ObjectBrowserTest, MenuRenameSelectionAndDoubleClickReachTheWindow) {
     EXPECT_EQ(browser.itemFor("Box1")->text(0), "Crate");
 }
 
+TEST_F(ObjectBrowserTest, MaterialAndAppearanceEntriesOnlyOnBodies) {
+    plate();
+    box();
+    ObjectBrowser browser(document, hooks());
+    QSignalSpy materials(&browser, &ObjectBrowser::materialRequested);
+    QSignalSpy appearances(&browser, &ObjectBrowser::appearanceRequested);
+    for (const char* id : {"Sketch1", "Extrude1"}) {
+        std::unique_ptr<QMenu> menu(browser.contextMenuFor(browser.itemFor(id)));
+        EXPECT_EQ(entry(menu.get(), "objectMaterial"), nullptr) << id;
+        EXPECT_EQ(entry(menu.get(), "objectAppearance"), nullptr) << id;
+    }
+    std::unique_ptr<QMenu> menu(browser.contextMenuFor(browser.itemFor("Body1")));
+    ASSERT_NE(entry(menu.get(), "objectMaterial"), nullptr);
+    EXPECT_EQ(entry(menu.get(), "objectMaterial")->text(), "Physical Material...");
+    EXPECT_EQ(entry(menu.get(), "objectAppearance")->text(), "Appearance...");
+    entry(menu.get(), "objectMaterial")->trigger();
+    menu.reset(browser.contextMenuFor(browser.itemFor("Box1")));
+    entry(menu.get(), "objectAppearance")->trigger();
+    ASSERT_EQ(materials.size(), 1);
+    ASSERT_EQ(appearances.size(), 1);
+    EXPECT_EQ(materials[0].at(0).toString(), "Body1");
+    EXPECT_EQ(appearances[0].at(0).toString(), "Box1");
+}
+
 } // namespace cad::ui::testing

@@ -8,6 +8,7 @@
 #include "core/CommandRecord.h"
 #include "core/Document.h"
 #include "core/GeometryObject.h"
+#include "geometry/materials/LookTargets.h"
 #include "ui/panels/ObjectRows.h"
 #include "ui/panels/RenameDelegate.h"
 #include "ui/panels/SequencePatch.h"
@@ -330,6 +331,15 @@ QMenu* ObjectBrowser::contextMenuFor(QTreeWidgetItem* item, QWidget* parent) {
     connect(rename, &QAction::triggered, this, [this, id] {
         if (QTreeWidgetItem* row = itemFor(id.toStdString())) editItem(row, 0);
     });
+    if (isBodyOrComponent(*object)) {
+        QAction* material = menu->addAction(QStringLiteral("Physical Material..."));
+        material->setObjectName(QStringLiteral("objectMaterial"));
+        connect(material, &QAction::triggered, this, [this, id] { emit materialRequested(id); });
+        QAction* appearance = menu->addAction(QStringLiteral("Appearance..."));
+        appearance->setObjectName(QStringLiteral("objectAppearance"));
+        connect(appearance, &QAction::triggered, this,
+                [this, id] { emit appearanceRequested(id); });
+    }
     menu->addSeparator();
     QAction* remove = menu->addAction(icon(QStringLiteral("trash")), QStringLiteral("Delete"));
     remove->setObjectName(QStringLiteral("deleteObject"));

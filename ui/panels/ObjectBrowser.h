@@ -1,6 +1,7 @@
 // The browser: every object of the document in folders under the document's row,
 // with an eye to show or hide each object (or a whole folder), selection that
-// follows into the view, and a context menu to edit, rename and delete.
+// follows into the view, and a context menu to edit, rename, give a material or an
+// appearance, and delete.
 #pragma once
 
 #include "ui/panels/PanelHooks.h"
@@ -65,6 +66,9 @@ signals:
     void objectsSelected(const QStringList& ids);
     void editSketchRequested(const QString& id);
     void editFeatureRequested(const QString& id);
+    // "Physical Material..." and "Appearance..." on a body or component row.
+    void materialRequested(const QString& id);
+    void appearanceRequested(const QString& id);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
