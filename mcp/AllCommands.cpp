@@ -8,6 +8,7 @@
 #include "core/Parameters.h"
 #include "geometry/GeometryCommands.h"
 #include "geometry/GeometryTypes.h"
+#include "geometry/exchange/ExchangeCommands.h"
 #include "geometry/holes/HoleCommands.h"
 #include "geometry/holes/HoleTypes.h"
 #include "geometry/materials/MaterialCommands.h"
@@ -66,6 +67,7 @@ void registerAllCommands(CommandRegistry& registry) {
     registerGeometryCommands(scratch);
     registerHoleCommands(scratch);
     registerMaterialCommands(scratch);
+    exchange::registerExchangeCommands(scratch);
     // Adds the pattern kinds, so it goes before the parametric commands.
     registerPatternCommands(scratch);
     registerParamCommands(scratch);

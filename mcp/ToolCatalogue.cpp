@@ -3,6 +3,7 @@
 #include "mcp/ToolCatalogue.h"
 
 #include "mcp/BodyTools.h"
+#include "mcp/ExchangeTools.h"
 #include "mcp/QueryTools.h"
 
 namespace cad::mcp {
@@ -16,9 +17,17 @@ struct Property {
     bool required;
     const char* description; // may be empty
     std::vector<std::string> choices = {};
+    const char* type = "string"; // "string", "number", "boolean", or "array" of strings
 };
 
-// A query tool's schema: string properties only, in the order given.
+// The unit of the files the tools write, and the bodies they take.
+Property unitProperty(const char* description) {
+    return {"unit", false, description, {"mm", "cm", "m", "in", "ft"}};
+}
+const Property kBodiesProperty{
+    "bodies", false, "Bodies' IDs or names (default: every visible body).", {}, "array"};
+
+// A query tool's schema from its properties, in the order given.
 ordered_json stringSchema(const std::vector<Property>& properties) {
     ordered_json schema = ordered_json::object();
     schema["type"] = "object";
@@ -26,7 +35,8 @@ ordered_json stringSchema(const std::vector<Property>& properties) {
     ordered_json required = ordered_json::array();
     for (const Property& p : properties) {
         ordered_json prop = ordered_json::object();
-        prop["type"] = "string";
+        prop["type"] = p.type;
+        if (std::string_view(p.type) == "array") prop["items"] = {{"type", "string"}};
         if (!p.choices.empty()) prop["enum"] = p.choices;
         if (*p.description) prop["description"] = p.description;
         props[p.name] = std::move(prop);
@@ -81,6 +91,19 @@ std::vector<QueryTool> buildQueryTools() {
     add("save_project", "Save the document as a Korvel Studio project (.kv3).",
         {{"path", false, "File path; omit to save to the current file."}}, false, false,
         saveProjectTool);
+    add("export_step",
+        "Write bodies to a STEP file (AP214) for other CAD software: exact geometry, each body a "
+        "part named as it is here. Millimetres.",
+        {{"path", true, "File path ending in .step or .stp."}, kBodiesProperty}, false, false,
+        exportStepTool);
+    add("export_stl", "Write bodies to one STL mesh file (for 3D printing or mesh tools).",
+        {{"path", true, "File path ending in .stl."},
+         kBodiesProperty,
+         {"deflection", false, "How far triangles may stray from the surfaces, mm (default 0.01).",
+          {}, "number"},
+         unitProperty("What the file's numbers are in (default mm)."),
+         {"binary", false, "Binary (default) or text STL.", {}, "boolean"}},
+        false, false, exportStlTool);
     add("screenshot", "An image of the app's 3D view as the user sees it.", {}, true, false,
         screenshotTool);
     add("set_view", "Turn the app's view to a standard direction, or fit everything in view.",

@@ -155,15 +155,16 @@ TEST(McpToolList, QueryToolsSurroundTheCommandsInCatalogueOrder) {
     HeadlessSession s;
     json tools = s.session.send(request(1, "tools/list"))["result"]["tools"];
     const auto& entries = s.host.registry().entries();
-    ASSERT_EQ(tools.size(), entries.size() + 12);
+    ASSERT_EQ(tools.size(), entries.size() + 14);
     std::vector<std::string> names;
     for (const json& t : tools) names.push_back(t["name"]);
     EXPECT_EQ(names[4 + entries.size()], "list_materials");
     const std::vector<std::string> first{"get_document", "get_body", "measure", "get_sketch"};
     const std::vector<std::string> last{
-        "undo", "redo", "new_document", "open_project", "save_project", "screenshot", "set_view"};
+        "undo",        "redo",       "new_document", "open_project", "save_project",
+        "export_step", "export_stl", "screenshot",   "set_view"};
     EXPECT_TRUE(std::equal(first.begin(), first.end(), names.begin()));
-    EXPECT_TRUE(std::equal(last.begin(), last.end(), names.end() - 7));
+    EXPECT_TRUE(std::equal(last.begin(), last.end(), names.end() - 9));
     for (std::size_t i = 0; i < entries.size(); ++i) EXPECT_EQ(names[4 + i], entries[i].name);
     EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
 
@@ -175,6 +176,12 @@ TEST(McpToolList, QueryToolsSurroundTheCommandsInCatalogueOrder) {
         EXPECT_EQ(t["inputSchema"]["additionalProperties"], false);
     }
     json getBody = tools[1];
+    const json& stl = tools[tools.size() - 3]["inputSchema"]["properties"];
+    EXPECT_EQ(stl["bodies"].dump(),
+              R"({"type":"array","items":{"type":"string"},"description":"Bodies' IDs or names (default: every visible body)."})");
+    EXPECT_EQ(stl["deflection"]["type"], "number");
+    EXPECT_EQ(stl["binary"]["type"], "boolean");
+    EXPECT_EQ(stl["unit"]["enum"].size(), 5u);
     EXPECT_EQ(
         getBody["inputSchema"].dump(),
         R"({"type":"object","properties":{"body":{"type":"string","description":"e.g. \"Body1\""}},"required":["body"],"additionalProperties":false})");
