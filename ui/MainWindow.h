@@ -45,6 +45,8 @@ class FormController;
 class HistoryPanel;
 class LooksPanel;
 enum class LooksMode;
+// The 3D model formats the window exports.
+enum class ModelFormat { Step, Stl };
 class AutosaveStore;
 class ObjectBrowser;
 struct RecoveryEntry;
@@ -138,6 +140,14 @@ public:
     bool save();
     bool saveAs();
     void openRecent(const QString& path);
+    // Import 3D Model: a chosen STEP or STL file becomes bodies in one undo step; a
+    // failure is the command's toast and adds nothing. True when bodies came in.
+    void importModelFromUser();
+    bool importModel(const QString& path);
+    // Export STEP / Export STL of the listed bodies (every visible body when none),
+    // asking where; a refusal or a failed write is a warning and writes nothing.
+    void exportModelFromUser(ModelFormat format, const std::vector<std::string>& bodies = {});
+    static bool isModelFile(const QString& path);
     void addBox();
     // Deletes what is selected in the view: whole objects (a body picked with the
     // body filter or by a double-click), or a toast for faces, edges and vertices,
@@ -297,6 +307,9 @@ private:
         QAction* open = nullptr;
         QAction* save = nullptr;
         QAction* saveAs = nullptr;
+        QAction* importModel = nullptr;
+        QAction* exportStep = nullptr;
+        QAction* exportStl = nullptr;
         QAction* homeView = nullptr;
         QAction* front = nullptr;
         QAction* top = nullptr;

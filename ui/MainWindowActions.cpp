@@ -187,6 +187,17 @@ void MainWindow::buildActions() {
     a.saveAs->setShortcuts(saveAsKeys);
     connect(a.saveAs, &QAction::triggered, this, [this] { saveAs(); });
 
+    a.importModel = makeWindowAction(QStringLiteral("import"), QStringLiteral("Import 3D Model..."),
+                                     QStringLiteral("importModel"));
+    connect(a.importModel, &QAction::triggered, this, &MainWindow::importModelFromUser);
+    a.exportStep =
+        makeWindowAction({}, QStringLiteral("Export STEP..."), QStringLiteral("exportStep"));
+    connect(a.exportStep, &QAction::triggered, this,
+            [this] { exportModelFromUser(ModelFormat::Step); });
+    a.exportStl = makeWindowAction({}, QStringLiteral("Export STL..."), QStringLiteral("exportStl"));
+    connect(a.exportStl, &QAction::triggered, this,
+            [this] { exportModelFromUser(ModelFormat::Stl); });
+
     a.homeView = makeWindowAction(QStringLiteral("home"), QStringLiteral("Home View"),
                             QStringLiteral("homeView"));
     connect(a.homeView, &QAction::triggered, this, [this] { viewport_->goHome(true); });
@@ -288,6 +299,10 @@ QMenu* MainWindow::buildMenu() {
     file->addSeparator();
     file->addAction(a.save);
     file->addAction(a.saveAs);
+    file->addSeparator();
+    file->addAction(a.importModel);
+    file->addAction(a.exportStep);
+    file->addAction(a.exportStl);
     file->addSeparator();
     QAction* backups = file->addAction(QStringLiteral("Show Backups Folder"));
     backups->setObjectName(QStringLiteral("showBackups"));

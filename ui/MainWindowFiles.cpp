@@ -1,5 +1,5 @@
 // The main window's file operations: new, open, save, save as, recent projects,
-// dropped project files, closing with unsaved changes and window captures.
+// dropped project and model files, closing with unsaved changes and window captures.
 #include "ui/MainWindow.h"
 
 #include "ui/forms/FeatureForm.h"
@@ -233,8 +233,10 @@ void MainWindow::openRecent(const QString& path) {
 bool MainWindow::handleDrop(QEvent* event) {
     if (event->type() == QEvent::DragEnter) {
         auto* enter = static_cast<QDragEnterEvent*>(event);
-        // Drawings and 3D models have no importer yet: only projects are taken.
-        if (isProjectFile(singleLocalFile(enter->mimeData()))) {
+        // Projects open; STEP and STL files come in as bodies. Drawings have no
+        // importer yet.
+        const QString path = singleLocalFile(enter->mimeData());
+        if (isProjectFile(path) || isModelFile(path)) {
             enter->acceptProposedAction();
             return true;
         }
@@ -243,6 +245,11 @@ bool MainWindow::handleDrop(QEvent* event) {
     if (event->type() == QEvent::Drop) {
         auto* drop = static_cast<QDropEvent*>(event);
         const QString path = singleLocalFile(drop->mimeData());
+        if (isModelFile(path)) {
+            drop->acceptProposedAction();
+            importModel(path);
+            return true;
+        }
         if (!isProjectFile(path)) return false;
         drop->acceptProposedAction();
         if (maybeSave())

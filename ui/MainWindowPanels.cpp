@@ -93,6 +93,12 @@ void MainWindow::buildPanels() {
     });
     connect(forms_.get(), &FormController::opened, this, [this] { layoutOverlays(); });
     buildLooksPanel();
+    connect(browser_, &ObjectBrowser::exportRequested, this,
+            [this](const QString& id, const QString& format) {
+                exportModelFromUser(format == QLatin1String("step") ? ModelFormat::Step
+                                                                    : ModelFormat::Stl,
+                                    {id.toStdString()});
+            });
 }
 
 std::vector<std::string> MainWindow::selectedReferences() const {

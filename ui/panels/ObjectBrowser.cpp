@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -339,6 +340,18 @@ QMenu* ObjectBrowser::contextMenuFor(QTreeWidgetItem* item, QWidget* parent) {
         appearance->setObjectName(QStringLiteral("objectAppearance"));
         connect(appearance, &QAction::triggered, this,
                 [this, id] { emit appearanceRequested(id); });
+    }
+    // A body with a shape can go out on its own to other software.
+    if (const auto* body = dynamic_cast<const GeometryObject*>(object);
+        body && !body->shape.shape().IsNull()) {
+        for (const auto& [text, name, format] :
+             {std::tuple{"Export as STEP...", "exportBodyStep", "step"},
+              std::tuple{"Export as STL...", "exportBodyStl", "stl"}}) {
+            QAction* exportBody = menu->addAction(QString::fromLatin1(text));
+            exportBody->setObjectName(QString::fromLatin1(name));
+            connect(exportBody, &QAction::triggered, this,
+                    [this, id, f = QString::fromLatin1(format)] { emit exportRequested(id, f); });
+        }
     }
     menu->addSeparator();
     QAction* remove = menu->addAction(icon(QStringLiteral("trash")), QStringLiteral("Delete"));

@@ -1,7 +1,8 @@
 // The browser: every object of the document in folders under the document's row,
 // with an eye to show or hide each object (or a whole folder), selection that
 // follows into the view, and a context menu to edit, rename, give a material or an
-// appearance, and delete.
+// appearance,
+// export a body, and delete.
 #pragma once
 
 #include "ui/panels/PanelHooks.h"
@@ -69,6 +70,8 @@ signals:
     // "Physical Material..." and "Appearance..." on a body or component row.
     void materialRequested(const QString& id);
     void appearanceRequested(const QString& id);
+    // "Export as STEP..." ("step") and "Export as STL..." ("stl") on a body row.
+    void exportRequested(const QString& id, const QString& format);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
