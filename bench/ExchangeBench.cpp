@@ -101,8 +101,10 @@ std::string sphereStl(std::int64_t triangles) {
     out.write(header, 80);
     const auto count = static_cast<std::uint32_t>(2 * slices * (stacks - 1));
     out.write(reinterpret_cast<const char*>(&count), 4);
+    // Corners shared exactly, poles and seam included, as a mesh exporter writes them.
     auto at = [&](int i, int j) {
-        const double theta = M_PI * j / stacks, phi = 2 * M_PI * i / slices;
+        if (j == 0 || j == stacks) return std::array<float, 3>{0, 0, j == 0 ? 50.0f : -50.0f};
+        const double theta = M_PI * j / stacks, phi = 2 * M_PI * (i % slices) / slices;
         return std::array<float, 3>{static_cast<float>(50 * std::sin(theta) * std::cos(phi)),
                                     static_cast<float>(50 * std::sin(theta) * std::sin(phi)),
                                     static_cast<float>(50 * std::cos(theta))};

@@ -1,10 +1,11 @@
-// Triangles to a sewn shape: a planar face per usable triangle, sewn together;
-// closed shells become solids with their volume outward, then coplanar faces
-// are unified.
+// Triangles to a shape: a planar face per usable triangle, joined directly where
+// corners are shared and sewn where they are not.
+// Closed shells become solids with their volume outward, then coplanar faces are
+// unified (skipped when no two neighbouring triangles share a plane).
 #include "geometry/exchange/TrianglesToSolid.h"
 
-#include <BRepBuilderAPI_MakeFace.hxx>
-#include <BRepBuilderAPI_MakePolygon.hxx>
+#include "geometry/exchange/MeshShells.h"
+
 #include <BRepBuilderAPI_MakeSolid.hxx>
 #include <BRepBuilderAPI_Sewing.hxx>
 #include <BRepGProp.hxx>
@@ -20,11 +21,13 @@
 #include <TopoDS.hxx>
 #include <TopoDS_Compound.hxx>
 #include <TopoDS_Shell.hxx>
-#include <gp_Pln.hxx>
+#include <TopoDS_Solid.hxx>
 #include <gp_Vec.hxx>
 
+#include <algorithm>
 #include <cmath>
 #include <exception>
+#include <numeric>
 
 namespace cad::exchange {
 
@@ -68,22 +71,31 @@ TopoDS_Shape solidOf(const TopoDS_Shell& shell) {
     return solid;
 }
 
-TopoDS_Shape sewn(const std::vector<Triangle>& triangles, double tolerance, int& added) {
+// The shells sewn along their unpaired edges.
+TopoDS_Shape sewn(const std::vector<MeshShell>& shells, double tolerance) {
     BRepBuilderAPI_Sewing sewing(tolerance, true, true, true, false);
-    for (const Triangle& t : triangles) {
-        if (!usableTriangle(t)) continue;
-        BRepBuilderAPI_MakePolygon polygon(t[0], t[1], t[2], true);
-        if (!polygon.IsDone()) continue;
-        // The triangle's own plane, so the face need not search for one.
-        const gp_Vec normal = gp_Vec(t[0], t[1]).Crossed(gp_Vec(t[0], t[2]));
-        BRepBuilderAPI_MakeFace face(gp_Pln(t[0], gp_Dir(normal)), polygon.Wire(), true);
-        if (!face.IsDone()) continue;
-        sewing.Add(face.Face());
-        ++added;
-    }
-    if (added == 0) return {};
+    for (const MeshShell& shell : shells) sewing.Add(shell.shell);
     sewing.Perform();
     return sewing.SewedShape();
+}
+
+// A closed shell, already consistently wound, as a solid with positive volume.
+TopoDS_Shape solidOfWound(const MeshShell& mesh) {
+    BRep_Builder builder;
+    TopoDS_Solid solid;
+    builder.MakeSolid(solid);
+    builder.Add(solid, mesh.shell);
+    if (mesh.volume < 0) solid.Reverse();
+    return solid;
+}
+
+TopoDS_Shape compoundOf(const std::vector<TopoDS_Shape>& pieces) {
+    if (pieces.size() == 1) return pieces.front();
+    BRep_Builder builder;
+    TopoDS_Compound compound;
+    builder.MakeCompound(compound);
+    for (const TopoDS_Shape& piece : pieces) builder.Add(compound, piece);
+    return compound;
 }
 
 // Closed shells as solids, open shells and loose faces as they are.
@@ -96,12 +108,63 @@ TopoDS_Shape piecesOf(const TopoDS_Shape& shape) {
     }
     for (TopExp_Explorer faces(shape, TopAbs_FACE, TopAbs_SHELL); faces.More(); faces.Next())
         pieces.push_back(faces.Current());
-    if (pieces.size() == 1) return pieces.front();
-    BRep_Builder builder;
-    TopoDS_Compound compound;
-    builder.MakeCompound(compound);
-    for (const TopoDS_Shape& piece : pieces) builder.Add(compound, piece);
-    return compound;
+    return compoundOf(pieces);
+}
+
+double distanceToSegment(const gp_Pnt& p, const std::array<gp_Pnt, 2>& segment) {
+    const gp_Vec along(segment[0], segment[1]);
+    const double length2 = along.SquareMagnitude();
+    const double t = length2 > 0 ? std::clamp(gp_Vec(segment[0], p).Dot(along) / length2, 0.0, 1.0) : 0.0;
+    return p.Distance(segment[0].Translated(along * t));
+}
+
+// One edge lies along the other within the tolerance: sewing would join them.
+bool alongEachOther(const std::array<gp_Pnt, 2>& a, const std::array<gp_Pnt, 2>& b, double tolerance) {
+    return (distanceToSegment(a[0], b) <= tolerance && distanceToSegment(a[1], b) <= tolerance) ||
+           (distanceToSegment(b[0], a) <= tolerance && distanceToSegment(b[1], a) <= tolerance);
+}
+
+// Whether sewing could join anything: some unpaired edge lies along another. The
+// edges around a real hole (a missing triangle) only meet end to end, and sewing a
+// large shell to learn that takes minutes.
+bool anythingToSew(const std::vector<std::array<gp_Pnt, 2>>& unpaired, double tolerance) {
+    std::vector<Bnd_Box> boxes(unpaired.size());
+    for (std::size_t i = 0; i < unpaired.size(); ++i) {
+        boxes[i].Add(unpaired[i][0]);
+        boxes[i].Add(unpaired[i][1]);
+        boxes[i].Enlarge(tolerance);
+    }
+    // Sweep along x: each edge meets only those whose boxes start before it ends.
+    std::vector<std::size_t> order(unpaired.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    auto low = [&](std::size_t i) { return boxes[i].CornerMin().X(); };
+    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return low(a) < low(b); });
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        const double high = boxes[order[i]].CornerMax().X();
+        for (std::size_t j = i + 1; j < order.size() && low(order[j]) <= high; ++j)
+            if (!boxes[order[i]].IsOut(boxes[order[j]]) &&
+                alongEachOther(unpaired[order[i]], unpaired[order[j]], tolerance))
+                return true;
+    }
+    return false;
+}
+
+// The mesh as solids and shells: straight from its shared corners (a well-made
+// STL needs nothing more), else sewn along the edges that do not pair, which
+// closes small gaps and turns triangles wound the wrong way.
+TopoDS_Shape shapeOf(const std::vector<Triangle>& usable, double tolerance, bool& mergeable) {
+    const MeshShells mesh = meshShells(usable);
+    if (anythingToSew(mesh.unpaired, tolerance)) {
+        mergeable = true;
+        const TopoDS_Shape shape = sewn(mesh.shells, tolerance);
+        return shape.IsNull() ? shape : piecesOf(shape);
+    }
+    mergeable = std::any_of(mesh.shells.begin(), mesh.shells.end(),
+                            [](const MeshShell& shell) { return shell.coplanarNeighbours; });
+    std::vector<TopoDS_Shape> pieces;
+    for (const MeshShell& shell : mesh.shells)
+        pieces.push_back(shell.closed ? solidOfWound(shell) : TopoDS_Shape(shell.shell));
+    return compoundOf(pieces);
 }
 
 } // namespace
@@ -118,15 +181,20 @@ double sewingTolerance(const std::vector<Triangle>& triangles) {
 
 Result<TopoDS_Shape> trianglesToSolid(const std::vector<Triangle>& triangles, double tolerance) {
     if (!(tolerance > 0) || !std::isfinite(tolerance)) tolerance = 1e-6;
+    std::vector<Triangle> usable;
+    usable.reserve(triangles.size());
+    for (const Triangle& t : triangles)
+        if (usableTriangle(t)) usable.push_back(t);
+    if (usable.empty()) return fail("There are no usable triangles.");
     try {
-        int added = 0;
-        TopoDS_Shape shape = sewn(triangles, tolerance, added);
-        if (added == 0) return fail("There are no usable triangles.");
+        bool mergeable = true;
+        TopoDS_Shape shape = shapeOf(usable, tolerance, mergeable);
         if (shape.IsNull()) return fail("The triangles couldn't be sewn together.");
-        shape = piecesOf(shape);
-        ShapeUpgrade_UnifySameDomain unify(shape, true, true, false);
-        unify.Build();
-        if (!unify.Shape().IsNull()) shape = unify.Shape();
+        if (mergeable) {
+            ShapeUpgrade_UnifySameDomain unify(shape, true, true, false);
+            unify.Build();
+            if (!unify.Shape().IsNull()) shape = unify.Shape();
+        }
         return shape;
     } catch (const Standard_Failure&) {
         return fail("The triangles couldn't be sewn together.");

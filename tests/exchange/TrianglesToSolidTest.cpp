@@ -31,6 +31,25 @@ TEST(TrianglesToSolid, ClosedMeshesBecomeSolidsWithTheirVolume) {
     ASSERT_TRUE(solid);
     EXPECT_NEAR(volumeOf(*solid), 1000, 1e-6);
 
+    // One triangle wound against its neighbours is turned to agree with them.
+    box = boxTriangles(gp_Pnt(0, 0, 0), 10, 10, 10);
+    std::swap(box[5][1], box[5][2]);
+    solid = trianglesToSolid(box, sewingTolerance(box));
+    ASSERT_TRUE(solid);
+    EXPECT_EQ(count(*solid, TopAbs_SOLID), 1);
+    EXPECT_NEAR(volumeOf(*solid), 1000, 1e-6);
+    EXPECT_EQ(count(*solid, TopAbs_FACE), 6);
+
+    // The top's corners a hair off the sides' (as a sloppy exporter writes them):
+    // sewing closes the crack.
+    box = boxTriangles(gp_Pnt(0, 0, 0), 10, 10, 10);
+    for (std::size_t i = 2; i < 4; ++i)
+        for (gp_Pnt& p : box[i]) p.SetZ(p.Z() + 1e-4);
+    solid = trianglesToSolid(box, sewingTolerance(box));
+    ASSERT_TRUE(solid);
+    EXPECT_EQ(count(*solid, TopAbs_SOLID), 1);
+    EXPECT_NEAR(volumeOf(*solid), 1000, 0.1);
+
     // Two separate boxes are two solids of one shape.
     std::vector<Triangle> two = boxTriangles(gp_Pnt(0, 0, 0), 1, 1, 1);
     for (const Triangle& t : boxTriangles(gp_Pnt(5, 0, 0), 2, 2, 2)) two.push_back(t);
