@@ -4,6 +4,7 @@
 // unified (skipped when no two neighbouring triangles share a plane).
 #include "geometry/exchange/TrianglesToSolid.h"
 
+#include "geometry/exchange/KernelLeaks.h"
 #include "geometry/exchange/MeshShells.h"
 
 #include <BRepBuilderAPI_MakeSolid.hxx>
@@ -13,6 +14,7 @@
 #include <BRep_Tool.hxx>
 #include <Bnd_Box.hxx>
 #include <GProp_GProps.hxx>
+#include <Geom2d_Curve.hxx>
 #include <ShapeFix_Shell.hxx>
 #include <ShapeFix_Solid.hxx>
 #include <ShapeUpgrade_UnifySameDomain.hxx>
@@ -20,6 +22,7 @@
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Compound.hxx>
+#include <TopoDS_Face.hxx>
 #include <TopoDS_Shell.hxx>
 #include <TopoDS_Solid.hxx>
 #include <gp_Vec.hxx>
@@ -69,6 +72,21 @@ TopoDS_Shape solidOf(const TopoDS_Shell& shell) {
     BRepGProp::VolumeProperties(solid, props);
     if (props.Mass() < 0) solid.Reverse();
     return solid;
+}
+
+// Whether every edge of every face has its curve on that face. Sewing with a
+// tolerance larger than some triangles collapses edges into points and leaves
+// curves the face merging would read unmade, so such a shape is left unmerged.
+bool curvesOnFacesComplete(const TopoDS_Shape& shape) {
+    for (TopExp_Explorer faces(shape, TopAbs_FACE); faces.More(); faces.Next()) {
+        const TopoDS_Face& face = TopoDS::Face(faces.Current());
+        for (TopExp_Explorer edges(face, TopAbs_EDGE); edges.More(); edges.Next()) {
+            double first = 0, last = 0;
+            if (BRep_Tool::CurveOnSurface(TopoDS::Edge(edges.Current()), face, first, last).IsNull())
+                return false;
+        }
+    }
+    return true;
 }
 
 // The shells sewn along their unpaired edges.
@@ -155,9 +173,11 @@ bool anythingToSew(const std::vector<std::array<gp_Pnt, 2>>& unpaired, double to
 TopoDS_Shape shapeOf(const std::vector<Triangle>& usable, double tolerance, bool& mergeable) {
     const MeshShells mesh = meshShells(usable);
     if (anythingToSew(mesh.unpaired, tolerance)) {
-        mergeable = true;
+        const KernelLeaksIgnored sewingLeaksOnDegenerateInput;
         const TopoDS_Shape shape = sewn(mesh.shells, tolerance);
-        return shape.IsNull() ? shape : piecesOf(shape);
+        if (shape.IsNull()) return shape;
+        mergeable = curvesOnFacesComplete(shape);
+        return piecesOf(shape);
     }
     mergeable = std::any_of(mesh.shells.begin(), mesh.shells.end(),
                             [](const MeshShell& shell) { return shell.coplanarNeighbours; });

@@ -4,6 +4,7 @@
 #include "tests/exchange/ExchangeTestSupport.h"
 
 #include "geometry/exchange/StlReader.h"
+#include "geometry/exchange/XcafDocument.h"
 
 #include <BRepPrimAPI_MakeBox.hxx>
 #include <Quantity_Color.hxx>
@@ -12,7 +13,6 @@
 #include <TDocStd_Document.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
-#include <XCAFApp_Application.hxx>
 #include <XCAFDoc_ColorTool.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
@@ -78,9 +78,8 @@ TEST(ImportStep, AssemblyInstancesBecomeBodiesAtTheirPlacementsWithTheirColours)
     TempFolder folder;
     const std::string path = folder.file("two brackets.step");
     {
-        Handle(XCAFApp_Application) app = XCAFApp_Application::GetApplication();
-        Handle(TDocStd_Document) doc;
-        app->NewDocument("MDTV-XCAF", doc);
+        XcafDocument document;
+        const Handle(TDocStd_Document)& doc = document.get();
         Handle(XCAFDoc_ShapeTool) shapes = XCAFDoc_DocumentTool::ShapeTool(doc->Main());
         Handle(XCAFDoc_ColorTool) colours = XCAFDoc_DocumentTool::ColorTool(doc->Main());
         TopoDS_Shape box = BRepPrimAPI_MakeBox(10, 20, 5).Shape();
@@ -102,7 +101,6 @@ TEST(ImportStep, AssemblyInstancesBecomeBodiesAtTheirPlacementsWithTheirColours)
         STEPCAFControl_Writer writer;
         ASSERT_TRUE(writer.Transfer(doc, STEPControl_AsIs));
         ASSERT_EQ(writer.Write(path.c_str()), IFSelect_RetDone);
-        app->Close(doc);
     }
 
     Model m;

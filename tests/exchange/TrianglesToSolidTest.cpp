@@ -85,5 +85,22 @@ TEST(TrianglesToSolid, UnusableTrianglesAreSkippedOrRefused) {
     EXPECT_NEAR(volumeOf(*solid), 1000, 1e-6);
 }
 
+// Four slivers the fuzzer found: merging their faces once read a 2D curve the
+// kernel had not made and crashed.
+TEST(TrianglesToSolid, SliversMergeWithoutCrashing) {
+    const std::vector<Triangle> slivers = {
+        {gp_Pnt(-5.0, -5.0, -5.7498779296875), gp_Pnt(-2.5, -3.75, -5.0), gp_Pnt(-5.0, -3.75, -5.0)},
+        {gp_Pnt(-5.0, -5.0, -5.0), gp_Pnt(-2.5, -5.0, -5.0), gp_Pnt(-2.5, -3.75, -5.0)},
+        {gp_Pnt(-2.5244126746055694e-29, 1.084226987903881e-19, -2.0000457763671875),
+         gp_Pnt(-5.125, -5.0, -5.0), gp_Pnt(-5.0, -3.75, -4.5)},
+        {gp_Pnt(-5.0, -5.0, -4.5), gp_Pnt(-5.0, -2.78125, -5.0), gp_Pnt(-5.0, -3.75, -5.0)},
+        // Unusable, but its good corners widen the tolerance to about 11.
+        {gp_Pnt(std::nan(""), 0, 0), gp_Pnt(0, 98369.5, 51015.27734375), gp_Pnt(0, 0, 0)},
+    };
+    Result<TopoDS_Shape> shape = trianglesToSolid(slivers, sewingTolerance(slivers));
+    ASSERT_TRUE(shape) << shape.error();
+    EXPECT_GE(count(*shape, TopAbs_FACE), 1);
+}
+
 } // namespace
 } // namespace cad::exchange::testing
