@@ -36,9 +36,14 @@ function(korvel_test name)
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gtest GTest::gtest_main)
     korvel_warnings(${name})
-    set(environment LC_ALL=C.UTF-8 ${KORVEL_SANITIZER_ENVIRONMENT})
+    # The sanitizer options go through `cmake -E env`: the discovered tests take a
+    # property list apart at its separators, so ENVIRONMENT can carry one variable.
+    if(KORVEL_SANITIZER_ENVIRONMENT)
+        set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR
+            "${CMAKE_COMMAND};-E;env;${KORVEL_SANITIZER_ENVIRONMENT}")
+    endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
-        PROPERTIES ENVIRONMENT "${environment}")
+        PROPERTIES ENVIRONMENT LC_ALL=C.UTF-8)
 endfunction()
 
 # korvel_benchmark(name SOURCES ... LINKS ...): one Google Benchmark program.
