@@ -53,11 +53,11 @@ std::uint64_t edgeKey(std::uint32_t a, std::uint32_t b) {
 
 struct EdgeUse {
     int count = 0;
-    bool paired = true; // two triangles, wound against each other
-    bool sameWay = false; // the second triangle runs along it as the first does
-    std::uint32_t from = 0; // the first user's direction
+    bool paired = true;                  // two triangles, wound against each other
+    bool sameWay = false;                // the second triangle runs along it as the first does
+    std::uint32_t from = 0;              // the first user's direction
     std::uint32_t first = 0, second = 0; // the triangles using it
-    TopoDS_Edge edge;     // from the lower corner to the higher
+    TopoDS_Edge edge;                    // from the lower corner to the higher
 };
 
 struct Pieces {
@@ -154,7 +154,8 @@ MeshShells meshShells(const std::vector<Triangle>& triangles) {
     for (const Triangle& t : triangles) {
         std::array<std::uint32_t, 3> ids{};
         for (std::size_t k = 0; k < 3; ++k) {
-            auto [at, added] = corners.try_emplace(keyOf(t[k]), static_cast<std::uint32_t>(points.size()));
+            auto [at, added] =
+                corners.try_emplace(keyOf(t[k]), static_cast<std::uint32_t>(points.size()));
             if (added) points.push_back(t[k]);
             ids[k] = at->second;
         }
@@ -176,7 +177,8 @@ MeshShells meshShells(const std::vector<Triangle>& triangles) {
     };
     for (auto& [key, use] : edges)
         if (use.paired)
-            use.edge = edgeFrom(static_cast<std::uint32_t>(key >> 32), static_cast<std::uint32_t>(key));
+            use.edge =
+                edgeFrom(static_cast<std::uint32_t>(key >> 32), static_cast<std::uint32_t>(key));
 
     std::unordered_map<std::uint32_t, std::size_t> shellOf;
     std::vector<MeshShell>& shells = result.shells;
@@ -192,7 +194,8 @@ MeshShells meshShells(const std::vector<Triangle>& triangles) {
                 closed = false;
                 result.unpaired.push_back({points[a], points[b]});
             }
-            const TopoDS_Edge edge = use.paired ? use.edge : edgeFrom(std::min(a, b), std::max(a, b));
+            const TopoDS_Edge edge =
+                use.paired ? use.edge : edgeFrom(std::min(a, b), std::max(a, b));
             builder.Add(wire, a < b ? edge : TopoDS::Edge(edge.Reversed()));
         }
         wire.Closed(true);
@@ -201,7 +204,8 @@ MeshShells meshShells(const std::vector<Triangle>& triangles) {
         const Triangle t{points[indexed[i][0]], points[indexed[i][1]], points[indexed[i][2]]};
         const gp_Vec normal = gp_Vec(t[0], t[1]).Crossed(gp_Vec(t[0], t[2]));
         TopoDS_Face face;
-        builder.MakeFace(face, new Geom_Plane(gp_Pln(t[0], gp_Dir(normal))), Precision::Confusion());
+        builder.MakeFace(face, new Geom_Plane(gp_Pln(t[0], gp_Dir(normal))),
+                         Precision::Confusion());
         builder.Add(face, wire);
 
         const std::uint32_t piece = pieces.root(i);

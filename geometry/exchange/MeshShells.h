@@ -17,7 +17,7 @@ namespace cad::exchange {
 struct MeshShell {
     TopoDS_Shell shell;
     bool closed = true; // every edge of it shared by two of its faces
-    double volume = 0; // the volume it encloses when closed, negative when wound inside out
+    double volume = 0;  // the volume it encloses when closed, negative when wound inside out
     // Two neighbouring triangles lie in one plane (so faces may be merged); when
     // false, no merging can change the shell.
     bool coplanarNeighbours = false;

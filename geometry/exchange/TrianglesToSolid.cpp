@@ -82,7 +82,8 @@ bool curvesOnFacesComplete(const TopoDS_Shape& shape) {
         const TopoDS_Face& face = TopoDS::Face(faces.Current());
         for (TopExp_Explorer edges(face, TopAbs_EDGE); edges.More(); edges.Next()) {
             double first = 0, last = 0;
-            if (BRep_Tool::CurveOnSurface(TopoDS::Edge(edges.Current()), face, first, last).IsNull())
+            if (BRep_Tool::CurveOnSurface(TopoDS::Edge(edges.Current()), face, first, last)
+                    .IsNull())
                 return false;
         }
     }
@@ -132,12 +133,14 @@ TopoDS_Shape piecesOf(const TopoDS_Shape& shape) {
 double distanceToSegment(const gp_Pnt& p, const std::array<gp_Pnt, 2>& segment) {
     const gp_Vec along(segment[0], segment[1]);
     const double length2 = along.SquareMagnitude();
-    const double t = length2 > 0 ? std::clamp(gp_Vec(segment[0], p).Dot(along) / length2, 0.0, 1.0) : 0.0;
+    const double t =
+        length2 > 0 ? std::clamp(gp_Vec(segment[0], p).Dot(along) / length2, 0.0, 1.0) : 0.0;
     return p.Distance(segment[0].Translated(along * t));
 }
 
 // One edge lies along the other within the tolerance: sewing would join them.
-bool alongEachOther(const std::array<gp_Pnt, 2>& a, const std::array<gp_Pnt, 2>& b, double tolerance) {
+bool alongEachOther(const std::array<gp_Pnt, 2>& a, const std::array<gp_Pnt, 2>& b,
+                    double tolerance) {
     return (distanceToSegment(a[0], b) <= tolerance && distanceToSegment(a[1], b) <= tolerance) ||
            (distanceToSegment(b[0], a) <= tolerance && distanceToSegment(b[1], a) <= tolerance);
 }
@@ -156,7 +159,8 @@ bool anythingToSew(const std::vector<std::array<gp_Pnt, 2>>& unpaired, double to
     std::vector<std::size_t> order(unpaired.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     auto low = [&](std::size_t i) { return boxes[i].CornerMin().X(); };
-    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return low(a) < low(b); });
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t a, std::size_t b) { return low(a) < low(b); });
     for (std::size_t i = 0; i < order.size(); ++i) {
         const double high = boxes[order[i]].CornerMax().X();
         for (std::size_t j = i + 1; j < order.size() && low(order[j]) <= high; ++j)
