@@ -31,12 +31,8 @@ std::string scratch(const std::string& name) {
     return (fs::temp_directory_path() / ("korvel-bench-" + name)).string();
 }
 
-void importStep(benchmark::State& state, const std::string& file) {
-    const std::string path = kSamples + file;
-    if (!fs::exists(path)) {
-        state.SkipWithError(("no " + path).c_str());
-        return;
-    }
+// import_model of the file, repeated; the undo between runs stays out of the timing.
+void importRepeatedly(benchmark::State& state, const std::string& path) {
     Document document;
     CommandRegistry registry;
     exchange::registerExchangeCommands(registry);
@@ -52,6 +48,15 @@ void importStep(benchmark::State& state, const std::string& file) {
         stack.clear();
         state.ResumeTiming();
     }
+}
+
+void importStep(benchmark::State& state, const std::string& file) {
+    const std::string path = kSamples + file;
+    if (!fs::exists(path)) {
+        state.SkipWithError(("no " + path).c_str());
+        return;
+    }
+    importRepeatedly(state, path);
 }
 
 void BM_W6_ImportScrew(benchmark::State& state) { importStep(state, "screw.step"); }
@@ -143,21 +148,7 @@ void BM_W6_ImportStlSphere(benchmark::State& state) {
 // The same mesh through the whole import command: sewing, then naming every face.
 void BM_W6_ImportStlCommand(benchmark::State& state) {
     const std::string path = sphereStl(state.range(0));
-    Document document;
-    CommandRegistry registry;
-    exchange::registerExchangeCommands(registry);
-    CommandStack stack(document, registry);
-    for (auto _ : state) {
-        CommandResult done = stack.execute(CommandRecord("import_model").set("path", path));
-        if (!done.ok) {
-            state.SkipWithError(done.message.c_str());
-            break;
-        }
-        state.PauseTiming();
-        stack.undo();
-        stack.clear();
-        state.ResumeTiming();
-    }
+    importRepeatedly(state, path);
     fs::remove(path);
 }
 

@@ -87,10 +87,18 @@ bool Document::idTaken(std::string_view id) const {
 }
 
 std::string Document::nextId(std::string_view prefix) const {
+    return nextIds(prefix, 1).front();
+}
+
+std::vector<std::string> Document::nextIds(std::string_view prefix, std::size_t count) const {
     auto it = idCounters_.find(std::string(prefix));
     long long n = (it == idCounters_.end() ? 0 : it->second) + 1LL;
-    while (idTaken(std::string(prefix) + std::to_string(n))) ++n;
-    return std::string(prefix) + std::to_string(n);
+    std::vector<std::string> ids;
+    while (ids.size() < count) {
+        std::string id = std::string(prefix) + std::to_string(n++);
+        if (!idTaken(id)) ids.push_back(std::move(id));
+    }
+    return ids;
 }
 
 std::optional<std::size_t> Document::indexOf(const DocumentObject& object) const {

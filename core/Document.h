@@ -52,6 +52,8 @@ public:
     bool idTaken(std::string_view id) const;
     // The ID for a new object with this type word; the counters change when it is added.
     std::string nextId(std::string_view prefix) const;
+    // The IDs `count` new objects would get if added one after another.
+    std::vector<std::string> nextIds(std::string_view prefix, std::size_t count) const;
     std::optional<std::size_t> indexOf(const DocumentObject& object) const;
 
     GeometryObject* bodyOfFeature(std::string_view featureId) const;

@@ -37,19 +37,6 @@ std::string labelFor(std::string name) {
     return name;
 }
 
-// `count` IDs "BodyN" in a row, each the one the document would give next once the
-// ones before it were added.
-std::vector<std::string> bodyIds(const Document& document, std::size_t count) {
-    std::vector<std::string> ids;
-    const auto counter = document.idCounters().find("Body");
-    long long n = counter == document.idCounters().end() ? 1 : counter->second + 1LL;
-    while (ids.size() < count) {
-        const std::string id = "Body" + std::to_string(n++);
-        if (!document.idTaken(id)) ids.push_back(id);
-    }
-    return ids;
-}
-
 std::unique_ptr<GeometryObject> bodyOf(const ImportedPart& part, const std::string& id) {
     auto body = std::make_unique<GeometryObject>();
     body->id = id;
@@ -121,7 +108,7 @@ CommandResult ImportModelCommand::execute(Document& document) {
 
         std::vector<std::unique_ptr<GeometryObject>> bodies;
         try {
-            const std::vector<std::string> ids = bodyIds(document, parts->size());
+            const std::vector<std::string> ids = document.nextIds("Body", parts->size());
             for (std::size_t i = 0; i < parts->size(); ++i)
                 bodies.push_back(bodyOf((*parts)[i], ids[i]));
         } catch (const Standard_Failure&) {

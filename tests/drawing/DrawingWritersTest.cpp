@@ -2,34 +2,21 @@
 // ezdxf audits clean and reads back with the same entities, layers and
 // coordinates, and SVG that librsvg renders at its real size.
 #include "sketch/drawing/DrawingWriters.h"
+#include "tests/support/ProgramOutput.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 
 namespace cad::drawing {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string run(const std::string& command) {
-    std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen((command + " 2>&1").c_str(), "r"), pclose);
-    std::string out;
-    std::array<char, 4096> buffer{};
-    while (pipe && fgets(buffer.data(), buffer.size(), pipe.get())) out += buffer.data();
-    return out;
-}
-
-struct Scratch {
-    fs::path folder = fs::temp_directory_path() / ("korvel-drawing-" + std::to_string(::getpid()));
-    Scratch() { fs::create_directories(folder); }
-    ~Scratch() { fs::remove_all(folder); }
-    std::string file(const std::string& name) const { return (folder / name).string(); }
-};
+using cad::testing::programOutput;
+using cad::testing::TempFolder;
 
 DrawingItem polyline(std::vector<DrawingPoint> points, bool closed, std::string layer = "CUT") {
     return {ItemKind::Polyline, std::move(layer), std::move(points), 0, 0, 0, closed};
@@ -60,9 +47,9 @@ TEST(DrawingNumbers, SixDecimalsWithoutTrailingZerosAndNoTinyValues) {
 }
 
 TEST(DxfWriter, EzdxfAuditsCleanAndReadsTheSameEntitiesLayersAndCoordinates) {
-    if (!fs::exists("/usr/bin/python3") || run("/usr/bin/python3 -c 'import ezdxf'") != "")
+    if (!fs::exists("/usr/bin/python3") || programOutput("/usr/bin/python3 -c 'import ezdxf'") != "")
         GTEST_SKIP() << "python3-ezdxf is not installed";
-    Scratch scratch;
+    TempFolder scratch;
     const std::string path = scratch.file("plate.dxf");
     ASSERT_TRUE(writeDxf(plate(), path));
     const std::string script =
@@ -83,7 +70,7 @@ TEST(DxfWriter, EzdxfAuditsCleanAndReadsTheSameEntitiesLayersAndCoordinates) {
         " elif t=='LINE': print(t,e.dxf.layer,'%g,%g "
         "%g,%g'%(e.dxf.start.x,e.dxf.start.y,e.dxf.end.x,e.dxf.end.y))\n";
     std::ofstream(scratch.file("read.py")) << script;
-    const std::string out = run("/usr/bin/python3 " + scratch.file("read.py") + " " + path);
+    const std::string out = programOutput("/usr/bin/python3 " + scratch.file("read.py") + " " + path);
     for (const char* line :
          {"errors 0\n", "units 4 1\n", "layer CUT 1\n", "layer ENGRAVE 5\n", "layer FOO 7\n",
           "POLYLINE CUT True 0,0 40,0 40,20 0,20\n", "CIRCLE CUT 10,10 5.0\n",
@@ -117,12 +104,12 @@ std::pair<int, int> pngSize(const std::string& path) {
 
 TEST(SvgWriter, LibrsvgRendersItAtItsRealSize) {
     if (!fs::exists("/usr/bin/rsvg-convert")) GTEST_SKIP() << "librsvg2-bin is not installed";
-    Scratch scratch;
+    TempFolder scratch;
     const std::string path = scratch.file("plate.svg");
     ASSERT_TRUE(writeSvg(plate(), path));
     // At 25.4 dots per inch a millimetre is a pixel.
     const std::string png = scratch.file("plate.png");
-    EXPECT_EQ(run("/usr/bin/rsvg-convert --dpi-x 25.4 --dpi-y 25.4 -o " + png + " " + path), "");
+    EXPECT_EQ(programOutput("/usr/bin/rsvg-convert --dpi-x 25.4 --dpi-y 25.4 -o " + png + " " + path), "");
     EXPECT_EQ(pngSize(png), std::make_pair(40, 20));
 
     const std::string text = svgText(plate());

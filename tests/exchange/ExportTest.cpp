@@ -8,6 +8,7 @@
 #include "geometry/exchange/ReplaceFile.h"
 #include "geometry/exchange/StepWriter.h"
 #include "geometry/exchange/StlWriter.h"
+#include "tests/support/ProgramOutput.h"
 
 #include <BRepAlgoAPI_Cut.hxx>
 #include <BRepGProp.hxx>
@@ -18,10 +19,7 @@
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
 
-#include <array>
-#include <cstdio>
 #include <fstream>
-#include <memory>
 #include <regex>
 #include <sstream>
 
@@ -32,13 +30,7 @@ namespace fs = std::filesystem;
 using mcp::testing::HeadlessSession;
 using mcp::testing::json;
 
-std::string run(const std::string& command) {
-    std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen((command + " 2>&1").c_str(), "r"), pclose);
-    std::string out;
-    std::array<char, 4096> buffer{};
-    while (pipe && fgets(buffer.data(), buffer.size(), pipe.get())) out += buffer.data();
-    return out;
-}
+using cad::testing::programOutput;
 
 std::string quoted(const std::string& path) { return "'" + path + "'"; }
 
@@ -55,7 +47,7 @@ struct AdmeshReport {
 
 // admesh's own reading of a file (it reports the figures before any repair).
 AdmeshReport admesh(const std::string& path) {
-    const std::string out = run("admesh " + quoted(path));
+    const std::string out = programOutput("admesh " + quoted(path));
     AdmeshReport r;
     std::smatch m;
     if (std::regex_search(out, m, std::regex(R"(Volume\s*:\s*([-0-9.e+]+))")))
@@ -90,7 +82,7 @@ bool hasMesh(const TopoDS_Shape& shape) {
 }
 
 TEST(ExportStl, AdmeshReadsTheMeshesWithTheirVolumes) {
-    if (run("admesh --version").find("ADMesh") == std::string::npos) GTEST_SKIP() << "no admesh";
+    if (programOutput("admesh --version").find("ADMesh") == std::string::npos) GTEST_SKIP() << "no admesh";
     TempFolder folder;
     for (const ExportBody& body : sampleBodies()) {
         SCOPED_TRACE(body.name);
@@ -139,7 +131,7 @@ TEST(ExportStep, AnotherReaderFindsTheSameNamesVolumesAndPlaces) {
     bodies[1].shape.Move(TopLoc_Location(moved));
     ASSERT_TRUE(writeStep(bodies, path));
 
-    std::istringstream out(run(std::string(KORVEL_STEP_PROBE) + " " + quoted(path)));
+    std::istringstream out(programOutput(std::string(KORVEL_STEP_PROBE) + " " + quoted(path)));
     std::string word;
     std::size_t count = 0;
     out >> word >> count;
