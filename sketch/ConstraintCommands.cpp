@@ -131,11 +131,10 @@ Result<std::string> AddConstraintCommand::edit(const SketchObject& sketch, Lists
     if (!prepared) return Error(prepared);
     if (auto refs = checkConstraintReferences(lists.entities, lists.constraints); !refs)
         return Error(refs);
-    Result<SketchSolution> solution = addConstraint(lists.entities, lists.constraints, *prepared);
-    if (!solution) return Error(solution);
-
-    lists.entities = std::move(solution->entities);
-    lists.constraints = std::move(solution->constraints);
+    Result<ConstraintAddition> addition =
+        addConstraint(lists.entities, lists.constraints, *prepared);
+    if (!addition) return Error(addition);
+    std::move(addition).value().applyTo(lists.entities, lists.constraints);
     if (constraint_.id.empty() && !lists.constraints.empty())
         constraint_.id = lists.constraints.back().id;
     return "Added " + constraint_.id + " to " + sketch.id + ".";

@@ -8,8 +8,10 @@
 #include "sketch/SketchConstraint.h"
 #include "sketch/SketchEntity.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace cad {
@@ -20,16 +22,24 @@ namespace cad {
 Result<SketchConstraint> prepareConstraint(const std::vector<SketchEntity>& entities,
                                            SketchConstraint constraint, bool hasValue);
 
-struct SketchSolution {
-    std::vector<SketchEntity> entities;
-    std::vector<SketchConstraint> constraints;
+// What adding a constraint changes: the constraint as added (with its ID) and the
+// entities it moved, each with its index in the sketch's list. Only the part of
+// the sketch the constraint reaches through other constraints is solved again;
+// everything else stays exactly as it was.
+struct ConstraintAddition {
+    SketchConstraint constraint;
+    std::vector<std::pair<std::size_t, SketchEntity>> moved;
+
+    // Puts the moved entities in place and appends the constraint.
+    void applyTo(std::vector<SketchEntity>& entities,
+                 std::vector<SketchConstraint>& constraints) &&;
 };
 
 // Gives the constraint an ID when it has none, solves with it, and refuses it when
 // it conflicts with the others or adds nothing.
-Result<SketchSolution> addConstraint(const std::vector<SketchEntity>& entities,
-                                     const std::vector<SketchConstraint>& constraints,
-                                     SketchConstraint prepared);
+Result<ConstraintAddition> addConstraint(const std::vector<SketchEntity>& entities,
+                                         const std::vector<SketchConstraint>& constraints,
+                                         SketchConstraint prepared);
 
 struct SketchDrag {
     SketchRef point;

@@ -67,10 +67,9 @@ Result<std::string> SketchWork::constrain(ConstraintType type, std::vector<Sketc
     Result<SketchConstraint> prepared =
         prepareConstraint(entities, std::move(constraint), value.has_value());
     if (!prepared) return Error(prepared);
-    Result<SketchSolution> solution = addConstraint(entities, constraints, *prepared);
-    if (!solution) return Error(solution);
-    entities = std::move(solution->entities);
-    constraints = std::move(solution->constraints);
+    Result<ConstraintAddition> addition = addConstraint(entities, constraints, *prepared);
+    if (!addition) return Error(addition);
+    std::move(addition).value().applyTo(entities, constraints);
     return constraints.back().id;
 }
 

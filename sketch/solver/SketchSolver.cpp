@@ -6,7 +6,10 @@
 #include "sketch/solver/SolveEngines.h"
 #include "sketch/solver/SolverOptions.h"
 
-#include <set>
+#include "sketch/solver/TouchedPart.h"
+
+#include <charconv>
+#include <string_view>
 
 namespace cad {
 
@@ -40,15 +43,24 @@ Result<void> validateSolution(const SolverSystem& system, const std::vector<Sket
     return {};
 }
 
+// The type's prefix and the smallest number no constraint uses with it.
 std::string freeConstraintId(const std::vector<SketchConstraint>& constraints,
                              ConstraintType type) {
-    std::set<std::string, std::less<>> used;
-    for (const SketchConstraint& c : constraints) used.insert(c.id);
-    const std::string prefix(constraintPrefix(type));
-    for (long long n = 1;; ++n) {
-        std::string id = prefix + std::to_string(n);
-        if (!used.count(id)) return id;
+    const std::string_view prefix = constraintPrefix(type);
+    // Among n constraints one of the numbers 1 … n + 1 is free.
+    std::vector<char> used(constraints.size() + 2, 0);
+    for (const SketchConstraint& c : constraints) {
+        std::string_view id = c.id;
+        if (id.size() <= prefix.size() || id.substr(0, prefix.size()) != prefix) continue;
+        id.remove_prefix(prefix.size());
+        if (id.front() == '0' || id.size() > 18) continue; // "Length01" is not number 1
+        std::size_t n = 0;
+        const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), n);
+        if (error == std::errc() && end == id.data() + id.size() && n < used.size()) used[n] = 1;
     }
+    std::size_t n = 1;
+    while (used[n]) ++n;
+    return std::string(prefix) + std::to_string(n);
 }
 
 } // namespace
@@ -80,17 +92,27 @@ Result<std::vector<SketchEntity>> solveSketch(const std::vector<SketchEntity>& e
     return solveSketch(entities, constraints, held, drag, SolverOptions{});
 }
 
-Result<SketchSolution> addConstraint(const std::vector<SketchEntity>& entities,
-                                     const std::vector<SketchConstraint>& constraints,
-                                     SketchConstraint prepared, const SolverOptions& options) {
+Result<ConstraintAddition> addConstraint(const std::vector<SketchEntity>& entities,
+                                         const std::vector<SketchConstraint>& constraints,
+                                         SketchConstraint prepared, const SolverOptions& options) {
     if (prepared.id.empty()) prepared.id = freeConstraintId(constraints, prepared.type);
     const std::string keyword(constraintKeyword(prepared.type));
-    SketchSolution out;
-    out.constraints = constraints;
-    out.constraints.push_back(std::move(prepared));
-    const int added = static_cast<int>(constraints.size());
 
-    Result<SolverSystem> system = solver::buildSystem(entities, out.constraints);
+    // Only the part the constraint reaches is solved, at the whole sketch's scale so
+    // that its tolerances are the ones a whole solve would use.
+    const solver::TouchedPart part = solver::touchedPart(entities, constraints, prepared);
+    std::vector<SketchEntity> local;
+    local.reserve(part.entities.size());
+    for (std::size_t i : part.entities) local.push_back(entities[i]);
+    std::vector<SketchConstraint> localConstraints;
+    localConstraints.reserve(part.constraints.size() + 1);
+    for (std::size_t i : part.constraints) localConstraints.push_back(constraints[i]);
+    localConstraints.push_back(prepared);
+    const int added = static_cast<int>(part.constraints.size());
+
+    solver::SystemOptions request;
+    request.scale = solver::sketchScale(entities);
+    Result<SolverSystem> system = solver::buildSystem(local, localConstraints, request);
     if (!system) return Error{system.error()};
     // A solution that breaks an entity (a horizontal line made vertical collapses)
     // is no solution either: the constraint conflicts.
@@ -98,8 +120,8 @@ Result<SketchSolution> addConstraint(const std::vector<SketchEntity>& entities,
         "That " + keyword + " conflicts with the sketch's other constraints.";
     std::vector<double> x = system->x0;
     if (!solve(*system, x, options)) return fail(conflict);
-    out.entities = solver::writeBack(*system, entities, x);
-    if (!validateSolution(*system, out.entities, x, options)) return fail(conflict);
+    std::vector<SketchEntity> solved = solver::writeBack(*system, local, x);
+    if (!validateSolution(*system, solved, x, options)) return fail(conflict);
 
     const int gain = options.method == SolverMethod::Dense
                          ? solver::rankGainWhole(*system, x, added)
@@ -107,13 +129,29 @@ Result<SketchSolution> addConstraint(const std::vector<SketchEntity>& entities,
     if (gain < system->constraints[static_cast<std::size_t>(added)].rows)
         return fail("That " + keyword +
                     " is redundant: the sketch's other constraints already determine it.");
+
+    ConstraintAddition out;
+    out.constraint = std::move(prepared);
+    for (std::size_t k = 0; k < local.size(); ++k) {
+        const int begin = system->layout.offset[k], end = system->layout.offset[k + 1];
+        bool moved = false;
+        for (int j = begin; j < end && !moved; ++j)
+            moved = x[static_cast<std::size_t>(j)] != system->x0[static_cast<std::size_t>(j)];
+        if (moved) out.moved.emplace_back(part.entities[k], std::move(solved[k]));
+    }
     return out;
 }
 
-Result<SketchSolution> addConstraint(const std::vector<SketchEntity>& entities,
-                                     const std::vector<SketchConstraint>& constraints,
-                                     SketchConstraint prepared) {
+Result<ConstraintAddition> addConstraint(const std::vector<SketchEntity>& entities,
+                                         const std::vector<SketchConstraint>& constraints,
+                                         SketchConstraint prepared) {
     return addConstraint(entities, constraints, std::move(prepared), SolverOptions{});
+}
+
+void ConstraintAddition::applyTo(std::vector<SketchEntity>& entities,
+                                 std::vector<SketchConstraint>& constraints) && {
+    for (auto& [index, entity] : moved) entities[index] = std::move(entity);
+    constraints.push_back(std::move(constraint));
 }
 
 SketchAnalysis analyseSketch(const std::vector<SketchEntity>& entities,

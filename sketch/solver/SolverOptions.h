@@ -23,9 +23,9 @@ struct SolverOptions {
     int denseLimit = 200;
 };
 
-Result<SketchSolution> addConstraint(const std::vector<SketchEntity>& entities,
-                                     const std::vector<SketchConstraint>& constraints,
-                                     SketchConstraint prepared, const SolverOptions& options);
+Result<ConstraintAddition> addConstraint(const std::vector<SketchEntity>& entities,
+                                         const std::vector<SketchConstraint>& constraints,
+                                         SketchConstraint prepared, const SolverOptions& options);
 
 Result<std::vector<SketchEntity>> solveSketch(const std::vector<SketchEntity>& entities,
                                               const std::vector<SketchConstraint>& constraints,

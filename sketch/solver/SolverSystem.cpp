@@ -107,7 +107,7 @@ Result<SolverSystem> buildSystem(const std::vector<SketchEntity>& entities,
         system.fixed.insert(system.fixed.end(), p.size(), fixed);
         system.layout.offset.push_back(static_cast<int>(system.x0.size()));
     }
-    system.scale = sketchScale(entities);
+    system.scale = options.scale ? *options.scale : sketchScale(entities);
     system.tolerance = 1e-9 * system.scale;
 
     ReferenceResolver resolver(entities);

@@ -34,6 +34,9 @@ struct SystemOptions {
     // Leave out constraints whose references no longer resolve instead of failing
     // (analysis colours what it can).
     bool skipBroken = false;
+    // The size the tolerances scale with, when the system is part of a larger sketch
+    // (default: the size of the entities given).
+    std::optional<double> scale;
 };
 
 // Builds the system. Fails with the constraint's ID and the resolution message when

@@ -70,10 +70,9 @@ struct Sketch {
         if (value) c.value = *value;
         Result<SketchConstraint> prepared = prepareConstraint(entities, c, value.has_value());
         if (!prepared) return prepared.error();
-        Result<SketchSolution> added = addConstraint(entities, constraints, *prepared, options);
+        Result<ConstraintAddition> added = addConstraint(entities, constraints, *prepared, options);
         if (!added) return added.error();
-        entities = added->entities;
-        constraints = added->constraints;
+        std::move(added).value().applyTo(entities, constraints);
         return {};
     }
     void mustAdd(ConstraintType type, const std::vector<const char*>& texts,
