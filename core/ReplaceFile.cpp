@@ -1,10 +1,10 @@
 // Temporary-then-rename writing of exported files.
-#include "geometry/exchange/ReplaceFile.h"
+#include "core/ReplaceFile.h"
 
 #include <filesystem>
 #include <system_error>
 
-namespace cad::exchange {
+namespace cad {
 
 Result<void> replaceFile(const std::string& path,
                          const std::function<bool(const std::string& temporary)>& write) {
@@ -30,4 +30,4 @@ Result<void> replaceFile(const std::string& path,
     return failed;
 }
 
-} // namespace cad::exchange
+} // namespace cad

@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-namespace cad::exchange {
+namespace cad {
 
 // Calls `write` with the temporary path; when it returns true the temporary file
 // becomes `path`. On any failure the temporary file is removed, `path` is left as it
@@ -15,4 +15,4 @@ namespace cad::exchange {
 Result<void> replaceFile(const std::string& path,
                          const std::function<bool(const std::string& temporary)>& write);
 
-} // namespace cad::exchange
+} // namespace cad

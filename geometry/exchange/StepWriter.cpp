@@ -2,7 +2,7 @@
 // the kernel's writer as is, into a temporary file that replaces the target.
 #include "geometry/exchange/StepWriter.h"
 
-#include "geometry/exchange/ReplaceFile.h"
+#include "core/ReplaceFile.h"
 #include "geometry/exchange/XcafDocument.h"
 
 #include <IFSelect_ReturnStatus.hxx>

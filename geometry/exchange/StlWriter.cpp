@@ -2,7 +2,7 @@
 // parallel with an absolute deflection, written by the kernel's STL writer.
 #include "geometry/exchange/StlWriter.h"
 
-#include "geometry/exchange/ReplaceFile.h"
+#include "core/ReplaceFile.h"
 
 #include <BRepBuilderAPI_Copy.hxx>
 #include <BRepBuilderAPI_Transform.hxx>

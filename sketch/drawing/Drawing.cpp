@@ -1,10 +1,14 @@
 // Layer styles, bounds and the number format shared by the DXF and SVG writers.
 #include "sketch/drawing/Drawing.h"
 
+#include "core/ReplaceFile.h"
+#include "sketch/drawing/DrawingWriters.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <fstream>
 #include <limits>
 
 namespace cad::drawing {
@@ -107,6 +111,17 @@ std::string drawingNumber(double value) {
         if (out.back() == '.') out.pop_back();
     }
     return out == "-0" ? "0" : out; // a value that rounds to nothing has no sign
+}
+
+Result<void> writeDrawingFile(const std::string& path, const std::string& text) {
+    Result<void> written = replaceFile(path, [&](const std::string& temporary) {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        out << text;
+        out.close();
+        return static_cast<bool>(out);
+    });
+    if (!written) return fail("Couldn't write " + path + ".");
+    return {};
 }
 
 } // namespace cad::drawing

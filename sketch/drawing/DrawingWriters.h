@@ -13,7 +13,9 @@ namespace cad::drawing {
 std::string dxfText(const Drawing& drawing);
 std::string svgText(const Drawing& drawing);
 
-// Write the file; "Couldn't write <path>." when it cannot be opened or written.
+// Write the file through a temporary one beside it, so that a failed write leaves
+// an existing file as it was: "Couldn't write <path>." when it cannot be written.
+Result<void> writeDrawingFile(const std::string& path, const std::string& text);
 Result<void> writeDxf(const Drawing& drawing, const std::string& path);
 Result<void> writeSvg(const Drawing& drawing, const std::string& path);
 

@@ -2,7 +2,6 @@
 // then one entity per item. Every group is its code and its value on two lines.
 #include "sketch/drawing/DrawingWriters.h"
 
-#include <fstream>
 
 namespace cad::drawing {
 
@@ -156,11 +155,7 @@ std::string dxfText(const Drawing& drawing) {
 }
 
 Result<void> writeDxf(const Drawing& drawing, const std::string& path) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (out) out << dxfText(drawing);
-    out.close();
-    if (!out) return fail("Couldn't write " + path + ".");
-    return {};
+    return writeDrawingFile(path, dxfText(drawing));
 }
 
 } // namespace cad::drawing

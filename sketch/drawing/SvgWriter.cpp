@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 
 namespace cad::drawing {
 
@@ -107,11 +106,7 @@ std::string svgText(const Drawing& drawing) {
 }
 
 Result<void> writeSvg(const Drawing& drawing, const std::string& path) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (out) out << svgText(drawing);
-    out.close();
-    if (!out) return fail("Couldn't write " + path + ".");
-    return {};
+    return writeDrawingFile(path, svgText(drawing));
 }
 
 } // namespace cad::drawing

@@ -5,7 +5,7 @@
 #include "tests/exchange/ExchangeTestSupport.h"
 
 #include "geometry/exchange/ExportBodies.h"
-#include "geometry/exchange/ReplaceFile.h"
+#include "core/ReplaceFile.h"
 #include "geometry/exchange/StepWriter.h"
 #include "geometry/exchange/StlWriter.h"
 #include "tests/support/ProgramOutput.h"
