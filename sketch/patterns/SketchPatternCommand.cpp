@@ -4,6 +4,7 @@
 #include "sketch/patterns/SketchPatternCommand.h"
 
 #include "core/ArgReader.h"
+#include "sketch/SketchIds.h"
 #include "sketch/patterns/PatternLayout.h"
 
 #include <algorithm>
@@ -16,27 +17,6 @@ namespace {
 
 // More than this many new entities at once is almost certainly a slip.
 constexpr std::size_t kMostNewEntities = 100000;
-
-// Hands out new IDs as nextEntityId would, one after another, without going through
-// the whole list for each.
-class EntityIds {
-public:
-    explicit EntityIds(const std::vector<SketchEntity>& entities) {
-        for (const SketchEntity& e : entities) used_.insert(e.id);
-    }
-    std::string next(std::string_view prefix) {
-        long long& n = tried_[std::string(prefix)];
-        std::string id;
-        do id = std::string(prefix) + std::to_string(++n);
-        while (used_.count(id));
-        used_.insert(id);
-        return id;
-    }
-
-private:
-    std::set<std::string, std::less<>> used_;
-    std::map<std::string, long long, std::less<>> tried_; // numbers already looked at
-};
 
 int totalCopies(const PatternRecipe& recipe) {
     return recipe.kind == PatternKind::Rectangular ? recipe.count * recipe.count2 : recipe.count;
@@ -77,7 +57,8 @@ Result<std::vector<std::string>> makePatternCopies(const PatternRecipe& recipe,
     if (!motions) return Error(motions);
 
     std::vector<std::string> made;
-    EntityIds ids(entities);
+    NewIds ids;
+    for (const SketchEntity& e : entities) ids.use(e.id);
     for (const RigidMotion& motion : *motions) {
         for (const SketchEntity& original : selection) {
             Result<SketchGeometry> geometry = moveGeometry(original.geometry, motion);
