@@ -18,6 +18,8 @@
 #include "geometry/projection/ProjectionCommands.h"
 #include "sketch/SketchCommands.h"
 #include "sketch/SketchJson.h"
+#include "sketch/drawingimport/ImportDrawingCommand.h"
+#include "sketch/footprints/PlaceFootprintCommand.h"
 #include "sketch/ops/SketchOperationCommands.h"
 #include "sketch/patterns/SketchPatternCommands.h"
 
@@ -75,6 +77,8 @@ void registerAllCommands(CommandRegistry& registry) {
     registerSketchCommands(scratch);
     registerSketchOperationCommands(scratch);
     registerSketchPatternCommands(scratch);
+    registerDrawingImportCommands(scratch);
+    registerFootprintCommands(scratch);
     registerProjectionCommands(scratch);
     registerParameterCommands(scratch);
 

@@ -3,7 +3,9 @@
 #include "mcp/ToolCatalogue.h"
 
 #include "mcp/BodyTools.h"
+#include "mcp/DrawingTools.h"
 #include "mcp/ExchangeTools.h"
+#include "mcp/FootprintTools.h"
 #include "mcp/QueryTools.h"
 
 namespace cad::mcp {
@@ -82,6 +84,22 @@ std::vector<QueryTool> buildQueryTools() {
         "The physical materials (set_material: density in kg/m^3 for mass, strength, a default "
         "look) and the appearances (set_appearance: color and finish) to choose from.",
         {}, true, false, listMaterialsTool);
+    add("list_footprints",
+        "The saved footprints (reusable sketch pieces such as a switch's mounting holes, shared by "
+        "every project): name, description and what each contains.",
+        {}, true, false, listFootprintsTool);
+    add("save_footprint",
+        "Save a sketch (or some of its entities) as a footprint in the library, with its "
+        "constraints and dimensions. The sketch origin is the footprint's reference point, so "
+        "draw it around the origin.",
+        {{"sketch", true, "e.g. \"Sketch2\""},
+         {"name", true, "Footprint name, e.g. \"Toggle switch\""},
+         {"description", false, ""},
+         {"entities", false, "Only these entity IDs, separated by ';' (default all)."},
+         {"replace", false, "Overwrite a footprint with the same name.", {}, "boolean"}},
+        false, false, saveFootprintTool);
+    add("delete_footprint", "Remove a footprint from the library.", {{"name", true, ""}}, false,
+        false, deleteFootprintTool);
     add("undo", "Undo the last change (one tool call is one step).", {}, false, false, undoTool);
     add("redo", "Redo the last undone change.", {}, false, false, redoTool);
     add("new_document", "Start a new, empty document (unsaved changes are discarded).", {}, false,
@@ -91,6 +109,15 @@ std::vector<QueryTool> buildQueryTools() {
     add("save_project", "Save the document as a Korvel Studio project (.kv3).",
         {{"path", false, "File path; omit to save to the current file."}}, false, false,
         saveProjectTool);
+    add("export_sketch",
+        "Write a sketch as a 2D file for laser or CNC software (LightBurn, SheetCam, Vectric): "
+        ".dxf (R12) or .svg by the path's extension. Layers: CUT (geometry), ENGRAVE (text as "
+        "outlines), CONSTRUCTION (only with construction=true). Real units.",
+        {{"sketch", true, "The sketch's ID or name."},
+         {"path", true, "File path ending in .dxf or .svg."},
+         unitProperty("What the file's numbers are in (default: the document's display unit)."),
+         {"construction", false, "Include construction geometry.", {}, "boolean"}},
+        false, false, exportSketchTool);
     add("export_step",
         "Write bodies to a STEP file (AP214) for other CAD software: exact geometry, each body a "
         "part named as it is here. Millimetres.",

@@ -18,6 +18,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,6 +42,8 @@ class CommandLog;
 class CommandPalette;
 struct PanelHooks;
 class DocumentPresenter;
+class FootprintPanel;
+class FootprintTool;
 class FormController;
 class HistoryPanel;
 class LooksPanel;
@@ -148,6 +151,8 @@ public:
     // asking where; a refusal or a failed write is a warning and writes nothing.
     void exportModelFromUser(ModelFormat format, const std::vector<std::string>& bodies = {});
     static bool isModelFile(const QString& path);
+    // A sketch as a DXF or SVG drawing ("dxf" or "svg"), in the document's unit.
+    void exportSketchFromUser(const QString& id, const QString& format);
     void addBox();
     // Deletes what is selected in the view: whole objects (a body picked with the
     // body filter or by a double-click), or a toast for faces, edges and vertices,
@@ -188,6 +193,17 @@ public:
     void openLooks(LooksMode mode, const std::vector<std::string>& targets);
     void closeLooks();
     LooksPanel* looksPanel() const { return looks_; }
+    // The footprint panel over the view, on the sketch being edited (Insert Footprint);
+    // null until first opened.
+    void openFootprintPanel();
+    void closeFootprintPanel();
+    FootprintPanel* footprintPanel() const { return footprintPanel_; }
+    // Save as Footprint: asks a name and saves the edited sketch to the library; the
+    // answer shows as a toast. True when it was saved.
+    bool saveSketchAsFootprint();
+    // Asks the footprint's name; none when the user cancelled (tests answer it).
+    using FootprintNameAsker = std::function<std::optional<QString>(QWidget* parent)>;
+    void setFootprintNameAsker(FootprintNameAsker asker) { askFootprintName_ = std::move(asker); }
     // Opens an object for editing the way its kind is edited: a sketch in the sketch
     // session, a feature in its form.
     void editObject(const std::string& id);
@@ -211,6 +227,12 @@ private:
     // Appearance and Physical Material, which open the looks panel.
     void buildLooksActions();
     void buildLooksPanel();
+    // Insert Footprint and Save as Footprint (MainWindowFootprints.cpp).
+    void buildFootprintActions();
+    void placeFootprintPanel();
+    // While on, the view's next click places the panel's footprint there.
+    void setFootprintClicking(bool on);
+    bool footprintClicking() const;
     void placeLooksPanel();
     void stopLooksPicking();
     ToolStrip* buildSketchStrip(QWidget* parent);
@@ -334,6 +356,8 @@ private:
         QAction* sketchCircPattern = nullptr;
         QAction* sketchPathPattern = nullptr;
         QAction* projectGeometry = nullptr;
+        QAction* insertFootprint = nullptr;
+        QAction* saveFootprint = nullptr;
         QAction* extrude = nullptr;
         QAction* fillet = nullptr;
         QAction* chamfer = nullptr;
@@ -386,6 +410,11 @@ private:
     // The picker works for the looks panel.
     bool looksPicking_ = false;
     CommandPalette* palette_ = nullptr;
+    OverlayPanel* footprintCard_ = nullptr;
+    FootprintPanel* footprintPanel_ = nullptr;
+    // Shared, so the window's destructor needs no complete type.
+    std::shared_ptr<FootprintTool> footprintTool_;
+    FootprintNameAsker askFootprintName_;
     QLabel* hud_ = nullptr;
     QLabel* hint_ = nullptr;
     QLabel* toast_ = nullptr;

@@ -98,6 +98,7 @@ void MainWindow::layoutOverlays() {
         forms_->form()->raise();
     }
     placeLooksPanel();
+    placeFootprintPanel();
 
     if (commandLogPanel_->isVisible()) {
         const int panelWidth = std::clamp(width / 2, 220, 460);

@@ -95,6 +95,10 @@ void MainWindow::buildPanels() {
     buildLooksPanel();
     connect(browser_, &ObjectBrowser::exportRequested, this,
             [this](const QString& id, const QString& format) {
+                if (format == QLatin1String("dxf") || format == QLatin1String("svg")) {
+                    exportSketchFromUser(id, format);
+                    return;
+                }
                 exportModelFromUser(format == QLatin1String("step") ? ModelFormat::Step
                                                                     : ModelFormat::Stl,
                                     {id.toStdString()});

@@ -233,6 +233,7 @@ void MainWindow::buildSketchActions() {
     a.projectGeometry = makeWindowAction(QStringLiteral("project"), QStringLiteral("Project"),
                                          QStringLiteral("projectGeometry"));
     connect(a.projectGeometry, &QAction::triggered, this, [this] { forms_->openProjectForm(); });
+    buildFootprintActions();
     updateSketchActions();
 }
 
@@ -241,7 +242,7 @@ void MainWindow::updateSketchActions() {
     const Actions& a = actions_;
     for (QAction* action : {a.groupSketch, a.ungroupSketch, a.convertToOutlines,
                             a.sketchRectPattern, a.sketchCircPattern, a.sketchPathPattern,
-                            a.projectGeometry})
+                            a.projectGeometry, a.insertFootprint, a.saveFootprint})
         if (action) action->setEnabled(sketching);
 }
 
@@ -274,7 +275,8 @@ ToolStrip* MainWindow::buildSketchStrip(QWidget* parent) {
         QStringLiteral("sketch.create"), QStringLiteral("CREATE"),
         {tool(SketchSession::Line), rectangles, tool(SketchSession::Circle), arcs,
          tool(SketchSession::Polygon), tool(SketchSession::Slot), tool(SketchSession::Spline),
-         tool(SketchSession::Point), tool(SketchSession::Text), a.projectGeometry},
+         tool(SketchSession::Point), tool(SketchSession::Text), a.projectGeometry,
+         a.insertFootprint, a.saveFootprint},
         {QStringLiteral("Line"), QStringLiteral("Rectangle"), QStringLiteral("Circle"),
          QStringLiteral("Arc")}));
     strip->addGroup(new ToolGroup(
@@ -315,6 +317,7 @@ void MainWindow::connectSketchSession() {
     connect(&session, &SketchSession::activeChanged, this, [this](bool active) {
         if (!active) {
             closeTextPanel();
+            closeFootprintPanel();
             if (hud_) hud_->hide();
             leaveSketchMode();
         }
@@ -634,6 +637,11 @@ void MainWindow::escape() {
     }
     if (looks_ && looks_->isVisible()) {
         closeLooks();
+        return;
+    }
+    if (footprintClicking()) {
+        setFootprintClicking(false);
+        closeFootprintPanel();
         return;
     }
     if (editingSketch()) {

@@ -155,21 +155,25 @@ TEST(McpToolList, QueryToolsSurroundTheCommandsInCatalogueOrder) {
     HeadlessSession s;
     json tools = s.session.send(request(1, "tools/list"))["result"]["tools"];
     const auto& entries = s.host.registry().entries();
-    ASSERT_EQ(tools.size(), entries.size() + 14);
+    ASSERT_EQ(tools.size(), entries.size() + 18);
     std::vector<std::string> names;
     for (const json& t : tools) names.push_back(t["name"]);
     EXPECT_EQ(names[4 + entries.size()], "list_materials");
+    EXPECT_EQ(names[5 + entries.size()], "list_footprints");
+    EXPECT_EQ(names[6 + entries.size()], "save_footprint");
+    EXPECT_EQ(names[7 + entries.size()], "delete_footprint");
     const std::vector<std::string> first{"get_document", "get_body", "measure", "get_sketch"};
     const std::vector<std::string> last{
-        "undo",        "redo",       "new_document", "open_project", "save_project",
-        "export_step", "export_stl", "screenshot",   "set_view"};
+        "undo",          "redo",        "new_document", "open_project", "save_project",
+        "export_sketch", "export_step", "export_stl",   "screenshot",   "set_view"};
     EXPECT_TRUE(std::equal(first.begin(), first.end(), names.begin()));
-    EXPECT_TRUE(std::equal(last.begin(), last.end(), names.end() - 9));
+    EXPECT_TRUE(std::equal(last.begin(), last.end(), names.end() - 10));
     for (std::size_t i = 0; i < entries.size(); ++i) EXPECT_EQ(names[4 + i], entries[i].name);
     EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
 
-    const std::set<std::string> readOnly{"get_document", "get_body", "measure", "get_sketch",
-                                         "list_materials", "screenshot"};
+    const std::set<std::string> readOnly{"get_document", "get_body",       "measure",
+                                         "get_sketch",   "list_materials", "list_footprints",
+                                         "screenshot"};
     for (const json& t : tools) {
         bool marked = t.contains("annotations") && t["annotations"].value("readOnlyHint", false);
         EXPECT_EQ(marked, readOnly.count(t["name"]) == 1) << t["name"];

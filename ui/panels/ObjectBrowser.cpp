@@ -353,6 +353,17 @@ QMenu* ObjectBrowser::contextMenuFor(QTreeWidgetItem* item, QWidget* parent) {
                     [this, id, f = QString::fromLatin1(format)] { emit exportRequested(id, f); });
         }
     }
+    // A sketch goes out as a flat drawing for laser and CNC software.
+    if (object->typeName() == "Sketch") {
+        for (const auto& [text, name, format] :
+             {std::tuple{"Export as DXF...", "exportSketchDxf", "dxf"},
+              std::tuple{"Export as SVG...", "exportSketchSvg", "svg"}}) {
+            QAction* exportSketch = menu->addAction(QString::fromLatin1(text));
+            exportSketch->setObjectName(QString::fromLatin1(name));
+            connect(exportSketch, &QAction::triggered, this,
+                    [this, id, f = QString::fromLatin1(format)] { emit exportRequested(id, f); });
+        }
+    }
     menu->addSeparator();
     QAction* remove = menu->addAction(icon(QStringLiteral("trash")), QStringLiteral("Delete"));
     remove->setObjectName(QStringLiteral("deleteObject"));
