@@ -27,33 +27,6 @@ int arcSamples(double radius, double sweep) {
 
 } // namespace
 
-bool Affine::isSimilarity() const {
-    const double lx = std::hypot(a, b);
-    const double ly = std::hypot(c, d);
-    const double scale = std::max(lx, ly);
-    if (scale == 0) return false;
-    return std::abs(a * c + b * d) <= 1e-9 * scale * scale && std::abs(lx - ly) <= 1e-9 * scale;
-}
-
-double Affine::largestScale() const {
-    // The largest singular value of the 2x2 part.
-    const double p = (a * a + b * b + c * c + d * d) / 2;
-    const double q = determinant();
-    return std::sqrt(p + std::sqrt(std::max(0.0, p * p - q * q)));
-}
-
-Affine Affine::rotation(double deg) {
-    const double r = radians(deg);
-    const double cs = std::cos(r);
-    const double sn = std::sin(r);
-    return {cs, sn, -sn, cs, 0, 0};
-}
-
-Affine operator*(const Affine& o, const Affine& i) {
-    return {o.a * i.a + o.c * i.b, o.b * i.a + o.d * i.b,       o.a * i.c + o.c * i.d,
-            o.b * i.c + o.d * i.d, o.a * i.e + o.c * i.f + o.e, o.b * i.e + o.d * i.f + o.f};
-}
-
 double degrees(double r) { return r * 180.0 / std::numbers::pi; }
 double radians(double deg) { return deg * std::numbers::pi / 180.0; }
 

@@ -2,31 +2,14 @@
 // from polyline bulges, and the sampling of ellipses and B-splines into polylines.
 #pragma once
 
+#include "sketch/drawingimport/Affine.h"
 #include "sketch/drawingimport/ImportedDrawing.h"
 
 #include <vector>
 
 namespace cad::drawingimport::dxf {
 
-// x' = a x + c y + e, y' = b x + d y + f.
-struct Affine {
-    double a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
-
-    Vec2 apply(Vec2 p) const { return {a * p.x + c * p.y + e, b * p.x + d * p.y + f}; }
-    Vec2 applyLinear(Vec2 v) const { return {a * v.x + c * v.y, b * v.x + d * v.y}; }
-    double determinant() const { return a * d - b * c; }
-    // Keeps angles (a rotation, a uniform scale, perhaps a mirror): arcs stay arcs.
-    bool isSimilarity() const;
-    // The largest stretch of a length, for sampling finely enough after placement.
-    double largestScale() const;
-
-    static Affine translation(double x, double y) { return {1, 0, 0, 1, x, y}; }
-    static Affine scaling(double sx, double sy) { return {sx, 0, 0, sy, 0, 0}; }
-    static Affine rotation(double degrees);
-};
-
 // `outer` after `inner`.
-Affine operator*(const Affine& outer, const Affine& inner);
 
 double degrees(double radians);
 double radians(double degrees);

@@ -18,11 +18,6 @@ bool reasonable(Vec2 p) {
 
 } // namespace
 
-Matrix operator*(const Matrix& o, const Matrix& i) {
-    return {o.a * i.a + o.c * i.b, o.b * i.a + o.d * i.b,       o.a * i.c + o.c * i.d,
-            o.b * i.c + o.d * i.d, o.a * i.e + o.c * i.f + o.e, o.b * i.e + o.d * i.f + o.f};
-}
-
 std::optional<Vec2> PathRecorder::place(Vec2 p) const {
     const Vec2 q = transform_.apply(p);
     const Vec2 mm{q.x * kMillimetresPerPoint, q.y * kMillimetresPerPoint};

@@ -2,6 +2,7 @@
 // lines and cubics, closed or painted, kept as DrawingPaths in millimetres.
 #pragma once
 
+#include "sketch/drawingimport/Affine.h"
 #include "sketch/drawingimport/ImportedDrawing.h"
 
 #include <optional>
@@ -9,22 +10,13 @@
 
 namespace cad::drawingimport::pdf {
 
-// x' = a x + c y + e, y' = b x + d y + f (a PDF matrix [a b c d e f]).
-struct Matrix {
-    double a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
-    Vec2 apply(Vec2 p) const { return {a * p.x + c * p.y + e, b * p.x + d * p.y + f}; }
-};
-
-// `outer` after `inner`.
-Matrix operator*(const Matrix& outer, const Matrix& inner);
-
 // Points are 1/72 inch.
 inline constexpr double kMillimetresPerPoint = 25.4 / 72.0;
 
 class PathRecorder {
 public:
     // Points given to the path go through `transform`, then become millimetres.
-    void setTransform(const Matrix& transform) { transform_ = transform; }
+    void setTransform(const Affine& transform) { transform_ = transform; }
 
     void moveTo(Vec2 p);
     void lineTo(Vec2 p);
@@ -48,7 +40,7 @@ private:
     std::optional<Vec2> place(Vec2 p) const;
     void endSubpath();
 
-    Matrix transform_;
+    Affine transform_;
     std::vector<DrawingPath> pending_; // finished subpaths of the path not yet painted
     DrawingPath subpath_;
     std::optional<Vec2> start_;   // millimetres

@@ -28,7 +28,7 @@ std::string streamBytes(QPDFObjectHandle stream) {
     }
 }
 
-Matrix formMatrix(QPDFObjectHandle form) {
+Affine formMatrix(QPDFObjectHandle form) {
     QPDFObjectHandle m = form.getDict().getKey("/Matrix");
     if (!m.isArray() || m.getArrayNItems() != 6) return {};
     double v[6];
@@ -61,7 +61,7 @@ const std::string& PdfContent::decoded(QPDFObjectHandle stream) {
     return found->second;
 }
 
-void PdfContent::drawForm(std::string_view name, QPDFObjectHandle resources, const Matrix& ctm,
+void PdfContent::drawForm(std::string_view name, QPDFObjectHandle resources, const Affine& ctm,
                           int depth) {
     if (depth >= kMostFormDepth || !resources.isDictionary()) return;
     QPDFObjectHandle xobjects = resources.getKey("/XObject");
@@ -75,14 +75,14 @@ void PdfContent::drawForm(std::string_view name, QPDFObjectHandle resources, con
     run(content, own.isDictionary() ? own : resources, ctm * formMatrix(form), depth + 1);
 }
 
-void PdfContent::run(std::string_view content, QPDFObjectHandle resources, const Matrix& start,
+void PdfContent::run(std::string_view content, QPDFObjectHandle resources, const Affine& start,
                      int depth) {
     ContentTokens tokens(content);
     std::vector<double> operands;
-    std::vector<Matrix> saved;
+    std::vector<Affine> saved;
     std::size_t unsavedPops = 0; // "q" past the limit, so that "Q" still pairs up
     std::string_view name;
-    Matrix ctm = start;
+    Affine ctm = start;
     recorder_.setTransform(ctm);
     auto has = [&](std::size_t n) {
         if (operands.size() < n) return false;
@@ -119,7 +119,7 @@ void PdfContent::run(std::string_view content, QPDFObjectHandle resources, const
                 recorder_.setTransform(ctm);
             }
         } else if (op == "cm" && has(6)) {
-            ctm = ctm * Matrix{at(6), at(5), at(4), at(3), at(2), at(1)};
+            ctm = ctm * Affine{at(6), at(5), at(4), at(3), at(2), at(1)};
             recorder_.setTransform(ctm);
         } else if (op == "m" && has(2)) {
             recorder_.moveTo({at(2), at(1)});

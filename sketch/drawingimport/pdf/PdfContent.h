@@ -17,13 +17,13 @@ public:
     explicit PdfContent(PathRecorder& recorder) : recorder_(recorder) {}
 
     // Runs `content` with the XObjects of `resources` at the current depth.
-    void run(std::string_view content, QPDFObjectHandle resources, const Matrix& ctm, int depth);
+    void run(std::string_view content, QPDFObjectHandle resources, const Affine& ctm, int depth);
 
     // The content asked for more work than any drawing needs (forms drawing forms).
     bool tooLarge() const { return tooLarge_; }
 
 private:
-    void drawForm(std::string_view name, QPDFObjectHandle resources, const Matrix& ctm, int depth);
+    void drawForm(std::string_view name, QPDFObjectHandle resources, const Affine& ctm, int depth);
     const std::string& decoded(QPDFObjectHandle stream);
 
     PathRecorder& recorder_;

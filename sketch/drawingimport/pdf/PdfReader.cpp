@@ -39,7 +39,7 @@ Result<ImportedDrawing> firstPagePaths(QPDF& pdf, const std::string& path) {
     PdfContent content(recorder);
     try {
         const std::string bytes = pageContent(page.getObjectHandle().getKey("/Contents"));
-        content.run(bytes, page.getAttribute("/Resources", false), Matrix{}, 0);
+        content.run(bytes, page.getAttribute("/Resources", false), Affine{}, 0);
     } catch (...) {
         // What was read before the damage is kept.
     }

@@ -29,16 +29,6 @@ bool sameCircle(Vec2 u, Vec2 v) {
 
 } // namespace
 
-bool Affine::finite() const {
-    return std::isfinite(a) && std::isfinite(b) && std::isfinite(c) && std::isfinite(d) &&
-           std::isfinite(e) && std::isfinite(f);
-}
-
-Affine operator*(const Affine& l, const Affine& r) {
-    return {l.a * r.a + l.c * r.b, l.b * r.a + l.d * r.b,       l.a * r.c + l.c * r.d,
-            l.b * r.c + l.d * r.d, l.a * r.e + l.c * r.f + l.e, l.b * r.e + l.d * r.f + l.f};
-}
-
 void PathBuilder::moveTo(Vec2 p) {
     finishSubpath(false);
     start_ = at_ = p;
@@ -47,19 +37,20 @@ void PathBuilder::moveTo(Vec2 p) {
 
 void PathBuilder::lineTo(Vec2 p) {
     if (!open_) moveTo(at_);
-    addPiece({PieceKind::Segment, {m_.map(at_), m_.map(p)}, {}, 0, 0, 0});
+    addPiece({PieceKind::Segment, {m_.apply(at_), m_.apply(p)}, {}, 0, 0, 0});
     at_ = p;
 }
 
 void PathBuilder::cubicTo(Vec2 c1, Vec2 c2, Vec2 p) {
     if (!open_) moveTo(at_);
-    addPiece({PieceKind::Cubic, {m_.map(at_), m_.map(c1), m_.map(c2), m_.map(p)}, {}, 0, 0, 0});
+    addPiece(
+        {PieceKind::Cubic, {m_.apply(at_), m_.apply(c1), m_.apply(c2), m_.apply(p)}, {}, 0, 0, 0});
     at_ = p;
 }
 
 void PathBuilder::quadraticTo(Vec2 c, Vec2 p) {
     if (!open_) moveTo(at_);
-    addPiece({PieceKind::Quadratic, {m_.map(at_), m_.map(c), m_.map(p)}, {}, 0, 0, 0});
+    addPiece({PieceKind::Quadratic, {m_.apply(at_), m_.apply(c), m_.apply(p)}, {}, 0, 0, 0});
     at_ = p;
 }
 
@@ -151,16 +142,16 @@ void PathBuilder::ellipticalSweep(Vec2 center, double rx, double ry, double rota
         return Vec2{-axisX.x * std::sin(t) + axisY.x * std::cos(t),
                     -axisX.y * std::sin(t) + axisY.y * std::cos(t)};
     };
-    const Vec2 mappedX = m_.mapVector(axisX), mappedY = m_.mapVector(axisY);
+    const Vec2 mappedX = m_.applyLinear(axisX), mappedY = m_.applyLinear(axisY);
     const bool full = std::abs(dt) >= 2 * kPi - 1e-12;
     if (sameCircle(mappedX, mappedY)) {
-        const Vec2 c = m_.map(center);
+        const Vec2 c = m_.apply(center);
         const double radius = length(mappedX);
         if (full) {
             addPiece({PieceKind::Circle, {}, c, radius, 0, 360});
             return;
         }
-        const Vec2 s = m_.map(pointAt(t0));
+        const Vec2 s = m_.apply(pointAt(t0));
         const double orientation = m_.determinant() < 0 ? -1.0 : 1.0;
         addPiece({PieceKind::Arc,
                   {},
@@ -180,8 +171,8 @@ void PathBuilder::ellipticalSweep(Vec2 center, double rx, double ry, double rota
         const Vec2 p0 = pointAt(a), p3 = pointAt(b);
         const Vec2 d0 = tangentAt(a), d3 = tangentAt(b);
         addPiece({PieceKind::Cubic,
-                  {m_.map(p0), m_.map({p0.x + alpha * d0.x, p0.y + alpha * d0.y}),
-                   m_.map({p3.x - alpha * d3.x, p3.y - alpha * d3.y}), m_.map(p3)},
+                  {m_.apply(p0), m_.apply({p0.x + alpha * d0.x, p0.y + alpha * d0.y}),
+                   m_.apply({p3.x - alpha * d3.x, p3.y - alpha * d3.y}), m_.apply(p3)},
                   {},
                   0,
                   0,

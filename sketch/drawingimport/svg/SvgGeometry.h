@@ -4,26 +4,12 @@
 // transform lets them stay circular.
 #pragma once
 
+#include "sketch/drawingimport/Affine.h"
 #include "sketch/drawingimport/ImportedDrawing.h"
 
 #include <vector>
 
 namespace cad::drawingimport::svg {
-
-// x' = a x + c y + e, y' = b x + d y + f (SVG's matrix(a b c d e f)).
-struct Affine {
-    double a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
-
-    Vec2 map(Vec2 p) const { return {a * p.x + c * p.y + e, b * p.x + d * p.y + f}; }
-    Vec2 mapVector(Vec2 v) const { return {a * v.x + c * v.y, b * v.x + d * v.y}; }
-    double determinant() const { return a * d - b * c; }
-    bool finite() const;
-    static Affine translate(double x, double y) { return {1, 0, 0, 1, x, y}; }
-    static Affine scale(double x, double y) { return {x, 0, 0, y, 0, 0}; }
-};
-
-// This then other: other is applied to points first (the SVG order of a transform list).
-Affine operator*(const Affine& self, const Affine& other);
 
 // Millimetres per CSS pixel (96 to the inch).
 constexpr double kMillimetresPerPixel = 25.4 / 96.0;

@@ -31,7 +31,6 @@ namespace cad::drawingimport {
 namespace {
 
 using namespace svgpp;
-using svg::Affine;
 using svg::PathBuilder;
 using XmlElement = rapidxml_ns::xml_node<> const*;
 
@@ -74,8 +73,8 @@ public:
     void transform_matrix(const boost::array<double, 6>& m) {
         ctm_ = ctm_ * Affine{m[0], m[1], m[2], m[3], m[4], m[5]};
     }
-    void transform_translate(double x, double y) { ctm_ = ctm_ * Affine::translate(x, y); }
-    void transform_scale(double x, double y) { ctm_ = ctm_ * Affine::scale(x, y); }
+    void transform_translate(double x, double y) { ctm_ = ctm_ * Affine::translation(x, y); }
+    void transform_scale(double x, double y) { ctm_ = ctm_ * Affine::scaling(x, y); }
     void transform_scale(double s) { transform_scale(s, s); }
 
     void set_viewport(double, double, double, double) {}
@@ -389,7 +388,7 @@ Result<ImportedDrawing> readSvgText(std::string_view bytes, const std::string& p
             if (in >> x >> y >> w >> h && w > 0 && h > 0 && std::isfinite(w) && std::isfinite(h))
                 walk.lengths.set_viewport_size(w, h);
         }
-        walk.toDrawing = Affine::scale(svg::kMillimetresPerPixel, -svg::kMillimetresPerPixel);
+        walk.toDrawing = Affine::scaling(svg::kMillimetresPerPixel, -svg::kMillimetresPerPixel);
         BaseContext context(walk);
         Traversal::load_document(static_cast<XmlElement>(root), context);
     } catch (const TooMuch&) {
