@@ -153,6 +153,13 @@ public:
     static bool isModelFile(const QString& path);
     // A sketch as a DXF or SVG drawing ("dxf" or "svg"), in the document's unit.
     void exportSketchFromUser(const QString& id, const QString& format);
+    // Import Drawing: a chosen (or dropped) SVG, DXF, Illustrator or PDF file read and
+    // its form opened, into the edited sketch or a new one on a plane the form asks
+    // for; `dropped` is where on the view it fell. False when the file can't be read
+    // (the warning says why).
+    void importDrawingFromUser();
+    bool importDrawingFile(const QString& path, std::optional<QPointF> dropped = {});
+    static bool isDrawingFile(const QString& path);
     void addBox();
     // Deletes what is selected in the view: whole objects (a body picked with the
     // body filter or by a double-click), or a toast for faces, edges and vertices,
@@ -356,6 +363,7 @@ private:
         QAction* sketchCircPattern = nullptr;
         QAction* sketchPathPattern = nullptr;
         QAction* projectGeometry = nullptr;
+        QAction* importDrawing = nullptr;
         QAction* insertFootprint = nullptr;
         QAction* saveFootprint = nullptr;
         QAction* extrude = nullptr;

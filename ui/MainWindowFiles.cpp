@@ -233,10 +233,10 @@ void MainWindow::openRecent(const QString& path) {
 bool MainWindow::handleDrop(QEvent* event) {
     if (event->type() == QEvent::DragEnter) {
         auto* enter = static_cast<QDragEnterEvent*>(event);
-        // Projects open; STEP and STL files come in as bodies. Drawings have no
-        // importer yet.
+        // Projects open; STEP and STL files come in as bodies; drawings go into a
+        // sketch through the Import Drawing form.
         const QString path = singleLocalFile(enter->mimeData());
-        if (isProjectFile(path) || isModelFile(path)) {
+        if (isProjectFile(path) || isModelFile(path) || isDrawingFile(path)) {
             enter->acceptProposedAction();
             return true;
         }
@@ -248,6 +248,11 @@ bool MainWindow::handleDrop(QEvent* event) {
         if (isModelFile(path)) {
             drop->acceptProposedAction();
             importModel(path);
+            return true;
+        }
+        if (isDrawingFile(path)) {
+            drop->acceptProposedAction();
+            importDrawingFile(path, drop->position());
             return true;
         }
         if (!isProjectFile(path)) return false;

@@ -233,6 +233,9 @@ void MainWindow::buildSketchActions() {
     a.projectGeometry = makeWindowAction(QStringLiteral("project"), QStringLiteral("Project"),
                                          QStringLiteral("projectGeometry"));
     connect(a.projectGeometry, &QAction::triggered, this, [this] { forms_->openProjectForm(); });
+    a.importDrawing = makeWindowAction(QStringLiteral("import"), QStringLiteral("Import Drawing"),
+                                       QStringLiteral("importDrawing"));
+    connect(a.importDrawing, &QAction::triggered, this, &MainWindow::importDrawingFromUser);
     buildFootprintActions();
     updateSketchActions();
 }
@@ -242,7 +245,8 @@ void MainWindow::updateSketchActions() {
     const Actions& a = actions_;
     for (QAction* action : {a.groupSketch, a.ungroupSketch, a.convertToOutlines,
                             a.sketchRectPattern, a.sketchCircPattern, a.sketchPathPattern,
-                            a.projectGeometry, a.insertFootprint, a.saveFootprint})
+                            a.projectGeometry, a.importDrawing, a.insertFootprint,
+                            a.saveFootprint})
         if (action) action->setEnabled(sketching);
 }
 
@@ -276,7 +280,7 @@ ToolStrip* MainWindow::buildSketchStrip(QWidget* parent) {
         {tool(SketchSession::Line), rectangles, tool(SketchSession::Circle), arcs,
          tool(SketchSession::Polygon), tool(SketchSession::Slot), tool(SketchSession::Spline),
          tool(SketchSession::Point), tool(SketchSession::Text), a.projectGeometry,
-         a.insertFootprint, a.saveFootprint},
+         a.importDrawing, a.insertFootprint, a.saveFootprint},
         {QStringLiteral("Line"), QStringLiteral("Rectangle"), QStringLiteral("Circle"),
          QStringLiteral("Arc")}));
     strip->addGroup(new ToolGroup(

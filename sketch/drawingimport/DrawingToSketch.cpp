@@ -277,6 +277,12 @@ struct Join {
 
 } // namespace
 
+std::optional<DrawingExtent> drawingExtent(const ImportedDrawing& drawing) {
+    const Box box = boundsOf(drawing);
+    if (box.empty()) return std::nullopt;
+    return DrawingExtent{box.maxX - box.minX, box.maxY - box.minY};
+}
+
 Result<DrawingToSketchResult> drawingToSketch(const ImportedDrawing& drawing,
                                               std::vector<SketchEntity>& entities,
                                               std::vector<SketchConstraint>& constraints,

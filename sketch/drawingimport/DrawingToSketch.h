@@ -36,6 +36,13 @@ struct DrawingToSketchResult {
     std::string group; // "Group3"
 };
 
+// The drawing's size as drawn, in millimetres; none when it holds nothing to place.
+struct DrawingExtent {
+    double width = 0;
+    double height = 0;
+};
+std::optional<DrawingExtent> drawingExtent(const ImportedDrawing& drawing);
+
 // Bézier pieces become splines through points at every eighth of their parameter.
 constexpr int kBezierIntervals = 8;
 
