@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace cad::drawingimport {
 
@@ -37,7 +36,7 @@ struct Affine {
     static Affine translation(double x, double y) { return {1, 0, 0, 1, x, y}; }
     static Affine scaling(double sx, double sy) { return {sx, 0, 0, sy, 0, 0}; }
     static Affine rotation(double degrees) {
-        const double r = degrees * std::numbers::pi / 180.0;
+        const double r = degrees * (3.14159265358979323846 / 180.0);
         return {std::cos(r), std::sin(r), -std::sin(r), std::cos(r), 0, 0};
     }
 };

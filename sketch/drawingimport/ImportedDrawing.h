@@ -3,6 +3,7 @@
 // placed and turned into sketch entities.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,18 @@ struct DrawingText {
     double height = 0;
     double rotation = 0; // degrees counter-clockwise
     std::string text;    // UTF-8; '\n' between lines
+};
+
+// How much of each reader's work limits (points kept, groups or content tokens read)
+// one read may use before it answers that the file is too large. Real drawings stay
+// far below them; the fuzzing harnesses read with a small share so that inputs built
+// to reach the limits (forms or blocks that draw themselves) end quickly.
+struct ReadLimits {
+    double share = 1;
+
+    std::size_t of(std::size_t limit) const {
+        return static_cast<std::size_t>(static_cast<double>(limit) * share);
+    }
 };
 
 struct ImportedDrawing {

@@ -45,7 +45,9 @@ bool reasonable(const Piece& piece) {
 
 class Emitter {
 public:
-    Emitter(const DxfFile& file, ImportedDrawing& out) : file_(file), out_(out) {}
+    Emitter(const DxfFile& file, ImportedDrawing& out, const ReadLimits& limits)
+        : file_(file), out_(out), mostPoints_(limits.of(kMostPoints)),
+          mostGroupsRead_(limits.of(kMostGroupsRead)) {}
 
     bool tooLarge() const { return tooLarge_; }
 
@@ -59,14 +61,14 @@ public:
 private:
     bool spend(std::size_t points) {
         points_ += points;
-        if (points_ > kMostPoints) tooLarge_ = true;
+        if (points_ > mostPoints_) tooLarge_ = true;
         return !tooLarge_;
     }
 
     bool read(const Entity& e) {
         groupsRead_ += kVisitCost + e.end - e.begin;
         for (const Entity& v : e.vertices) groupsRead_ += 1 + v.end - v.begin;
-        if (groupsRead_ > kMostGroupsRead) tooLarge_ = true;
+        if (groupsRead_ > mostGroupsRead_) tooLarge_ = true;
         return !tooLarge_;
     }
 
@@ -368,7 +370,7 @@ private:
             for (long long column = 0; column < columns && !tooLarge_; ++column) {
                 // Even a block of ignored entities costs a step for each of them.
                 groupsRead_ += kVisitCost + block.entities.size();
-                if (groupsRead_ > kMostGroupsRead) tooLarge_ = true;
+                if (groupsRead_ > mostGroupsRead_) tooLarge_ = true;
                 if (!spend(1)) return;
                 const Affine cell = placed *
                                     Affine::translation(static_cast<double>(column) * columnGap,
@@ -381,6 +383,8 @@ private:
 
     const DxfFile& file_;
     ImportedDrawing& out_;
+    std::size_t mostPoints_;
+    std::size_t mostGroupsRead_;
     std::size_t points_ = 0;
     std::size_t groupsRead_ = 0;
     bool tooLarge_ = false;
@@ -388,13 +392,14 @@ private:
 
 } // namespace
 
-Result<ImportedDrawing> readDxfText(std::string_view bytes, const std::string& path) {
+Result<ImportedDrawing> readDxfText(std::string_view bytes, const std::string& path,
+                                    const ReadLimits& limits) {
     if (bytes.substr(0, 18) == "AutoCAD Binary DXF")
         return fail("Binary DXF isn't supported; save it as ASCII DXF.");
     Result<DxfFile> file = readDxfStructure(bytes);
     if (!file) return Error(file);
     ImportedDrawing drawing;
-    Emitter emitter(*file, drawing);
+    Emitter emitter(*file, drawing, limits);
     const double unit = file->millimetresPerUnit;
     emitter.entities(file->entities, Affine::scaling(unit, unit), 0);
     if (emitter.tooLarge()) return fail(path + " has too many pieces to import.");

@@ -14,6 +14,7 @@ namespace cad::drawingimport {
 Result<ImportedDrawing> readDxf(const std::string& path);
 
 // Reads DXF text already in memory; `path` only names the file in messages.
-Result<ImportedDrawing> readDxfText(std::string_view bytes, const std::string& path);
+Result<ImportedDrawing> readDxfText(std::string_view bytes, const std::string& path,
+                                    const ReadLimits& limits = {});
 
 } // namespace cad::drawingimport

@@ -41,9 +41,10 @@ std::string_view body(std::string_view bytes) {
 
 } // namespace
 
-Result<ImportedDrawing> readIllustratorPostScript(std::string_view bytes, const std::string& path) {
+Result<ImportedDrawing> readIllustratorPostScript(std::string_view bytes, const std::string& path,
+                                                  const ReadLimits& limits) {
     ContentTokens tokens(body(bytes));
-    PathRecorder recorder;
+    PathRecorder recorder(limits);
     std::vector<double> operands;
     auto has = [&](std::size_t n) {
         if (operands.size() < n) return false;

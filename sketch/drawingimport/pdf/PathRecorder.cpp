@@ -18,6 +18,8 @@ bool reasonable(Vec2 p) {
 
 } // namespace
 
+PathRecorder::PathRecorder(const ReadLimits& limits) : mostPieces_(limits.of(kMostPieces)) {}
+
 std::optional<Vec2> PathRecorder::place(Vec2 p) const {
     const Vec2 q = transform_.apply(p);
     const Vec2 mm{q.x * kMillimetresPerPoint, q.y * kMillimetresPerPoint};
@@ -98,7 +100,7 @@ void PathRecorder::paint(bool closeFirst) {
     endSubpath();
     for (DrawingPath& path : pending_) {
         pieces_ += path.pieces.size();
-        if (pieces_ > kMostPieces) {
+        if (pieces_ > mostPieces_) {
             tooLarge_ = true;
             break;
         }

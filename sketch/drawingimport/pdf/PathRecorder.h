@@ -15,6 +15,8 @@ inline constexpr double kMillimetresPerPoint = 25.4 / 72.0;
 
 class PathRecorder {
 public:
+    explicit PathRecorder(const ReadLimits& limits = {});
+
     // Points given to the path go through `transform`, then become millimetres.
     void setTransform(const Affine& transform) { transform_ = transform; }
 
@@ -46,6 +48,7 @@ private:
     std::optional<Vec2> start_;   // millimetres
     std::optional<Vec2> current_; // millimetres
     std::vector<DrawingPath> paths_;
+    std::size_t mostPieces_;
     std::size_t pieces_ = 0;
     bool tooLarge_ = false;
 };

@@ -43,6 +43,9 @@ Affine formMatrix(QPDFObjectHandle form) {
 
 } // namespace
 
+PdfContent::PdfContent(PathRecorder& recorder, const ReadLimits& limits)
+    : recorder_(recorder), mostWork_(limits.of(kMostWork)) {}
+
 std::string pageContent(QPDFObjectHandle contents) {
     if (contents.isStream()) return streamBytes(contents);
     std::string out;
@@ -93,7 +96,7 @@ void PdfContent::run(std::string_view content, QPDFObjectHandle resources, const
     };
     auto at = [&](std::size_t fromTop) { return operands[operands.size() - fromTop]; };
     for (Token t = tokens.next(); t.kind != TokenKind::End; t = tokens.next()) {
-        if (++work_ > kMostWork) tooLarge_ = true;
+        if (++work_ > mostWork_) tooLarge_ = true;
         if (tooLarge_ || recorder_.tooLarge()) return;
         if (t.kind == TokenKind::Number) {
             if (operands.size() == kMostOperands) operands.erase(operands.begin());

@@ -14,7 +14,7 @@ namespace cad::drawingimport::pdf {
 
 class PdfContent {
 public:
-    explicit PdfContent(PathRecorder& recorder) : recorder_(recorder) {}
+    PdfContent(PathRecorder& recorder, const ReadLimits& limits);
 
     // Runs `content` with the XObjects of `resources` at the current depth.
     void run(std::string_view content, QPDFObjectHandle resources, const Affine& ctm, int depth);
@@ -28,6 +28,7 @@ private:
 
     PathRecorder& recorder_;
     std::map<QPDFObjGen, std::string> streams_;
+    std::size_t mostWork_;
     std::size_t work_ = 0;
     bool tooLarge_ = false;
 };

@@ -26,7 +26,8 @@ Result<std::string> fileBytes(const std::string& path) {
     return bytes;
 }
 
-Result<ImportedDrawing> firstPagePaths(QPDF& pdf, const std::string& path) {
+Result<ImportedDrawing> firstPagePaths(QPDF& pdf, const std::string& path,
+                                       const ReadLimits& limits) {
     std::vector<QPDFPageObjectHelper> pages;
     try {
         pages = QPDFPageDocumentHelper(pdf).getAllPages();
@@ -35,8 +36,8 @@ Result<ImportedDrawing> firstPagePaths(QPDF& pdf, const std::string& path) {
     }
     if (pages.empty()) return fail(path + " has no pages.");
     QPDFPageObjectHelper& page = pages.front();
-    PathRecorder recorder;
-    PdfContent content(recorder);
+    PathRecorder recorder(limits);
+    PdfContent content(recorder, limits);
     try {
         const std::string bytes = pageContent(page.getObjectHandle().getKey("/Contents"));
         content.run(bytes, page.getAttribute("/Resources", false), Affine{}, 0);
@@ -53,7 +54,8 @@ Result<ImportedDrawing> firstPagePaths(QPDF& pdf, const std::string& path) {
 
 } // namespace
 
-Result<ImportedDrawing> readPdfBytes(std::string_view bytes, const std::string& path) {
+Result<ImportedDrawing> readPdfBytes(std::string_view bytes, const std::string& path,
+                                     const ReadLimits& limits) {
     try {
         QPDF pdf;
         pdf.setSuppressWarnings(true);
@@ -65,7 +67,7 @@ Result<ImportedDrawing> readPdfBytes(std::string_view bytes, const std::string& 
                 return fail(path + " is encrypted, and I can't open it without its password.");
             return fail(path + " has no PDF objects I can read.");
         }
-        return firstPagePaths(pdf, path);
+        return firstPagePaths(pdf, path, limits);
     } catch (...) {
         return fail(path + " has no PDF objects I can read.");
     }

@@ -13,7 +13,8 @@ namespace cad::drawingimport {
 
 // The first page's paths of the PDF at `path`.
 Result<ImportedDrawing> readPdf(const std::string& path);
-Result<ImportedDrawing> readPdfBytes(std::string_view bytes, const std::string& path);
+Result<ImportedDrawing> readPdfBytes(std::string_view bytes, const std::string& path,
+                                     const ReadLimits& limits = {});
 
 // An Illustrator file: PDF content when "%PDF" occurs anywhere in it, else the
 // PostScript body when "%!PS-Adobe" does, else refused.
@@ -21,7 +22,8 @@ Result<ImportedDrawing> readIllustrator(const std::string& path);
 
 // The PostScript-only Illustrator format: the path operators between "%%EndSetup"
 // and "%%Trailer".
-Result<ImportedDrawing> readIllustratorPostScript(std::string_view bytes, const std::string& path);
+Result<ImportedDrawing> readIllustratorPostScript(std::string_view bytes, const std::string& path,
+                                                  const ReadLimits& limits = {});
 
 // The reader for a .pdf or .ai file, chosen by its content as readIllustrator does
 // (a .pdf file is searched the same way). Messages call the format "PDF" for .pdf and
