@@ -205,9 +205,10 @@ public:
     void openFootprintPanel();
     void closeFootprintPanel();
     FootprintPanel* footprintPanel() const { return footprintPanel_; }
-    // Save as Footprint: asks a name and saves the edited sketch to the library; the
-    // answer shows as a toast. True when it was saved.
-    bool saveSketchAsFootprint();
+    // Save as Footprint: asks a name and saves the sketch (the edited one when none is
+    // named, as from the sketch strip) to the library; the answer shows as a toast.
+    // True when it was saved.
+    bool saveSketchAsFootprint(const std::string& sketchId = {});
     // Asks the footprint's name; none when the user cancelled (tests answer it).
     using FootprintNameAsker = std::function<std::optional<QString>(QWidget* parent)>;
     void setFootprintNameAsker(FootprintNameAsker asker) { askFootprintName_ = std::move(asker); }

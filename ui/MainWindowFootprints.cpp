@@ -114,8 +114,9 @@ void MainWindow::placeFootprintPanel() {
     footprintCard_->raise();
 }
 
-bool MainWindow::saveSketchAsFootprint() {
-    const auto* sketch = document_.findAs<SketchObject>(editedSketch());
+bool MainWindow::saveSketchAsFootprint(const std::string& sketchId) {
+    const auto* sketch =
+        document_.findAs<SketchObject>(sketchId.empty() ? editedSketch() : sketchId);
     if (!sketch) return false;
     const std::optional<QString> name = askFootprintName_ ? askFootprintName_(this) : std::nullopt;
     if (!name) return false;

@@ -95,6 +95,10 @@ void MainWindow::buildPanels() {
     buildLooksPanel();
     connect(browser_, &ObjectBrowser::exportRequested, this,
             [this](const QString& id, const QString& format) {
+                if (format == QLatin1String("footprint")) {
+                    saveSketchAsFootprint(id.toStdString());
+                    return;
+                }
                 if (format == QLatin1String("dxf") || format == QLatin1String("svg")) {
                     exportSketchFromUser(id, format);
                     return;
@@ -219,12 +223,10 @@ void MainWindow::editObject(const std::string& id) {
 }
 
 void MainWindow::showParameters() {
-    ParametersDialog dialog(document_, [this](const CommandRecord& record) {
-        return runCommand(record);
-    }, this);
-    dialog.setAsk([this](const QString& question) {
-        return prompt_->askDeleteDependents(this, question);
-    });
+    ParametersDialog dialog(
+        document_, [this](const CommandRecord& record) { return runCommand(record); }, this);
+    dialog.setAsk(
+        [this](const QString& question) { return prompt_->askDeleteDependents(this, question); });
     dialog.exec();
 }
 

@@ -7,12 +7,14 @@
 #include "sketch/SketchObject.h"
 #include "sketch/footprints/FootprintLibrary.h"
 #include "ui/panels/FootprintPanel.h"
+#include "ui/panels/ObjectBrowser.h"
 #include "ui/sketch/SketchSession.h"
 #include "ui/widgets/ToolGroup.h"
 
 #include <QAction>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 
 namespace cad::ui::testing {
@@ -45,7 +47,8 @@ TEST_F(FootprintWindowTest, SavesTheEditedSketchAndPlacesFootprintsIntoIt) {
     ASSERT_NE(create, nullptr);
     QStringList labels;
     for (QAction* a : create->allActions()) labels << a->text();
-    EXPECT_EQ(labels.indexOf("Project") + 1, labels.indexOf("Insert Footprint"));
+    EXPECT_EQ(labels.indexOf("Project") + 1, labels.indexOf("Import Drawing"));
+    EXPECT_EQ(labels.indexOf("Import Drawing") + 1, labels.indexOf("Insert Footprint"));
     EXPECT_EQ(labels.indexOf("Insert Footprint") + 1, labels.indexOf("Save as Footprint"));
     EXPECT_FALSE(action("insertFootprint")->isEnabled());
     EXPECT_FALSE(action("saveFootprint")->isEnabled());
@@ -98,6 +101,22 @@ TEST_F(FootprintWindowTest, SavesTheEditedSketchAndPlacesFootprintsIntoIt) {
     window->finishSketch();
     EXPECT_FALSE(panel->isVisible());
     EXPECT_FALSE(action("insertFootprint")->isEnabled());
+
+    // A sketch that isn't being edited is saved from its row in the browser.
+    auto* browser = window->findChild<ObjectBrowser*>();
+    ASSERT_NE(browser, nullptr);
+    ASSERT_TRUE(waitUntil([&] { return browser->itemFor("Sketch1") != nullptr; }));
+    std::unique_ptr<QMenu> menu(browser->contextMenuFor(browser->itemFor("Sketch1")));
+    ASSERT_NE(menu, nullptr);
+    auto* save = menu->findChild<QAction*>("saveSketchFootprint");
+    ASSERT_NE(save, nullptr);
+    EXPECT_EQ(save->text(), QStringLiteral("Save as Footprint..."));
+    answer = QStringLiteral("Peg and pads");
+    save->trigger();
+    EXPECT_EQ(window->toastLabel().text(), "Saved the footprint 'Peg and pads'.");
+    const Result<StoredFootprint> saved = FootprintLibrary().find("Peg and pads");
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(saved->footprint.entities.size(), 5u); // the circle and both placed copies
 }
 
 } // namespace

@@ -68,7 +68,8 @@ struct BrowserRows {
 
 ObjectBrowser::ObjectBrowser(Document& document, PanelHooks hooks, QWidget* parent)
     : QTreeWidget(parent), document_(document), hooks_(std::move(hooks)),
-      changes_(new PendingChanges(document, [this] { refresh(); }, this)) {
+      changes_(new PendingChanges(
+          document, [this] { refresh(); }, this)) {
     setObjectName(QStringLiteral("browserTree"));
     setColumnCount(2);
     setHeaderHidden(true);
@@ -353,10 +354,12 @@ QMenu* ObjectBrowser::contextMenuFor(QTreeWidgetItem* item, QWidget* parent) {
                     [this, id, f = QString::fromLatin1(format)] { emit exportRequested(id, f); });
         }
     }
-    // A sketch goes out as a flat drawing for laser and CNC software.
+    // A sketch goes into the footprint library, or out as a flat drawing for laser
+    // and CNC software.
     if (object->typeName() == "Sketch") {
         for (const auto& [text, name, format] :
-             {std::tuple{"Export as DXF...", "exportSketchDxf", "dxf"},
+             {std::tuple{"Save as Footprint...", "saveSketchFootprint", "footprint"},
+              std::tuple{"Export as DXF...", "exportSketchDxf", "dxf"},
               std::tuple{"Export as SVG...", "exportSketchSvg", "svg"}}) {
             QAction* exportSketch = menu->addAction(QString::fromLatin1(text));
             exportSketch->setObjectName(QString::fromLatin1(name));

@@ -71,7 +71,8 @@ signals:
     void materialRequested(const QString& id);
     void appearanceRequested(const QString& id);
     // "Export as STEP..." ("step") and "Export as STL..." ("stl") on a body row,
-    // "Export as DXF..." ("dxf") and "Export as SVG..." ("svg") on a sketch row.
+    // "Save as Footprint..." ("footprint"), "Export as DXF..." ("dxf") and "Export as
+    // SVG..." ("svg") on a sketch row.
     void exportRequested(const QString& id, const QString& format);
 
 protected:
