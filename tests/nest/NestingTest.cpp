@@ -33,6 +33,9 @@ TEST(Nesting, RefusesBadRequestsInOrderWithTheirSentences) {
         {request({box("A", 10, 10, 0)}, 100, 100, 3, 50),
          "The margins leave no room on the sheet."},
         {request({box("A", 10, 10, 0)}, 100, 100, 0, 49.99), "Every part has a quantity of zero."},
+        // Quantities add up past what fits in an int: counted without overflowing.
+        {request({box("A", 1, 1, 2'000'000'000), box("B", 1, 1, 2'000'000'000)}, 100, 100),
+         "That's 4000000000 copies; at most 100000 can be nested at a time."},
     };
     for (const auto& [r, sentence] : cases) EXPECT_EQ(nest(r).error(), sentence);
 }

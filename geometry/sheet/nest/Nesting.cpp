@@ -22,6 +22,8 @@ using drawing::DrawingPoint;
 namespace {
 
 constexpr double kTolerance = 1e-9;
+// More copies than any sheet order holds; each takes a pass over the open sheets.
+constexpr std::int64_t kMostCopies = 100'000;
 
 // A part with copies to place: its drawing turned to the tightest rectangle, which
 // starts at (0, 0) and measures w x h.
@@ -58,6 +60,11 @@ std::optional<std::string> requestProblem(const NestRequest& r) {
     if (std::none_of(r.parts.begin(), r.parts.end(),
                      [](const NestPart& p) { return p.quantity > 0; }))
         return "Every part has a quantity of zero.";
+    std::int64_t copies = 0;
+    for (const NestPart& p : r.parts) copies += std::max<std::int64_t>(p.quantity, 0);
+    if (copies > kMostCopies)
+        return "That's " + std::to_string(copies) + " copies; at most " +
+               std::to_string(kMostCopies) + " can be nested at a time.";
     return std::nullopt;
 }
 
