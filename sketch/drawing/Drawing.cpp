@@ -124,4 +124,16 @@ Result<void> writeDrawingFile(const std::string& path, const std::string& text) 
     return {};
 }
 
+Drawing inUnit(const Drawing& drawing, units::Length unit) {
+    Drawing out = drawing;
+    out.unit = unit;
+    const double scale = units::unitScale(drawing.unit) / units::unitScale(unit);
+    if (scale == 1) return out;
+    for (DrawingItem& item : out.items) {
+        for (DrawingPoint& p : item.points) p = {p.x * scale, p.y * scale};
+        item.radius *= scale;
+    }
+    return out;
+}
+
 } // namespace cad::drawing

@@ -52,6 +52,9 @@ struct DrawingBounds {
 // zero for an empty drawing.
 DrawingBounds drawingBounds(const Drawing& drawing);
 
+// The same drawing with its numbers in another unit.
+Drawing inUnit(const Drawing& drawing, units::Length unit);
+
 // A number as both writers print it, whatever the user's locale: six decimals with
 // trailing zeros (and a trailing point) removed; anything under 5e-10 across is 0.
 std::string drawingNumber(double value);

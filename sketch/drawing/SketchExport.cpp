@@ -24,12 +24,15 @@ bool isDrawingPath(const std::string& path) {
     return extension == ".dxf" || extension == ".svg";
 }
 
+Result<void> writeDrawing(const Drawing& drawing, const std::string& path) {
+    if (!isDrawingPath(path)) return fail("Export as .dxf or .svg.");
+    return extensionOf(path) == ".dxf" ? writeDxf(drawing, path) : writeSvg(drawing, path);
+}
+
 Result<std::string> exportSketch(const SketchObject& sketch, const std::string& path,
                                  units::Length unit, bool includeConstruction) {
-    if (!isDrawingPath(path)) return fail("Export as .dxf or .svg.");
-    const Drawing drawing = sketchDrawing(sketch.entities, unit, includeConstruction);
-    Result<void> written = extensionOf(path) == ".dxf" ? writeDxf(drawing, path)
-                                                        : writeSvg(drawing, path);
+    Result<void> written =
+        writeDrawing(sketchDrawing(sketch.entities, unit, includeConstruction), path);
     if (!written) return Error(written);
     return "Wrote " + path + ".";
 }

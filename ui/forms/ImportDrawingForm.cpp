@@ -4,6 +4,7 @@
 #include "ui/forms/ImportDrawingForm.h"
 
 #include "core/Document.h"
+#include "geometry/param/FeatureArgument.h"
 #include "sketch/SketchObject.h"
 #include "sketch/SketchPlaneResolver.h"
 #include "ui/forms/ArgumentPicks.h"
@@ -60,8 +61,9 @@ FormDefinition importDrawingForm(const Document& document, DrawingImportSource s
         if (from->sketch.empty()) {
             f.addPick(kPlane, QStringLiteral("Plane"),
                       QStringLiteral("XY, XZ, YZ, a reference plane or a flat face"),
-                      pickRuleFor(document, PickPlane | PickFace, QStringLiteral("plane"), false,
-                                  true, QStringLiteral("Pick the plane to sketch on.")));
+                      pickRuleFor(document, FeatureArgument::Planes | FeatureArgument::Faces,
+                                  QStringLiteral("plane"), false, true,
+                                  QStringLiteral("Pick the plane to sketch on.")));
             f.setReferences(kPlane, {"XY"});
         }
         // A drawing with no width (one vertical line) can only come in at its own size.

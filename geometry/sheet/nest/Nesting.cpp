@@ -68,20 +68,8 @@ std::optional<std::string> requestProblem(const NestRequest& r) {
     return std::nullopt;
 }
 
-Drawing inMillimetres(const Drawing& drawing) {
-    Drawing out = drawing;
-    out.unit = units::Length::Millimeters;
-    const double scale = units::unitScale(drawing.unit);
-    if (scale == 1) return out;
-    for (DrawingItem& item : out.items) {
-        for (DrawingPoint& p : item.points) p = {p.x * scale, p.y * scale};
-        item.radius *= scale;
-    }
-    return out;
-}
-
 PreparedPart prepare(const NestPart& part) {
-    PreparedPart prepared{&part, inMillimetres(part.drawing)};
+    PreparedPart prepared{&part, drawing::inUnit(part.drawing, units::Length::Millimeters)};
     turnDrawing(prepared.drawing, tightestAngle(prepared.drawing), {0, 0});
     const drawing::DrawingBounds box = drawing::drawingBounds(prepared.drawing);
     turnDrawing(prepared.drawing, 0, {-box.minX, -box.minY});
