@@ -129,10 +129,19 @@ Result<std::unique_ptr<Document>> readProjectBytes(Bytes bytes, const std::strin
 }
 
 Result<std::unique_ptr<Document>> readProject(const std::string& path, const ObjectTypes& types) {
+    const Error cannotOpen{"Could not open " + path + "."};
+    // A folder opens as a stream here, and its first read then throws.
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec)) return cannotOpen;
     std::ifstream in(path, std::ios::binary);
-    if (!in) return fail("Could not open " + path + ".");
-    Bytes bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (in.bad()) return fail("Could not open " + path + ".");
+    if (!in) return cannotOpen;
+    Bytes bytes;
+    try { // a failed read throws, whatever the stream's exception mask
+        bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    } catch (const std::ios_base::failure&) {
+        return cannotOpen;
+    }
+    if (in.bad()) return cannotOpen;
     return readProjectBytes(std::move(bytes), path, types);
 }
 

@@ -234,4 +234,8 @@ TEST(ProjectFile, AFailedSaveKeepsTheOldFile) {
     EXPECT_EQ((*readProject(target, types))->objects().size(), 2u);
     EXPECT_EQ(readProject(dir.file("missing.kv3"), types).error(),
               "Could not open " + dir.file("missing.kv3") + ".");
+    // A folder opens as a stream on Linux, and reading it throws: still a sentence.
+    fs::create_directory(dir.file("folder.kv3"));
+    EXPECT_EQ(readProject(dir.file("folder.kv3"), types).error(),
+              "Could not open " + dir.file("folder.kv3") + ".");
 }
