@@ -5,6 +5,7 @@
 #include "geometry/holes/HoleTypes.h"
 #include "geometry/param/ParamTypes.h"
 #include "geometry/patterns/PatternCommands.h"
+#include "geometry/sheet/metal/SheetMetalKinds.h"
 #include "sketch/SketchJson.h"
 
 #include <cstddef>
@@ -17,6 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         cad::registerGeometryTypes(t);
         cad::registerHoleTypes(t);
         cad::registerPatternTypes(t);
+        cad::addSheetMetalKinds();
         cad::registerParamTypes(t);
         return t;
     }();

@@ -5,6 +5,7 @@
 #include "core/GeometryObject.h"
 #include "geometry/materials/BodyMaterial.h"
 #include "geometry/param/ParamFeature.h"
+#include "geometry/sheet/metal/SheetThickness.h"
 
 #include <cmath>
 #include <numbers>
@@ -47,7 +48,16 @@ std::optional<SheetRules> sheetRulesOf(const Document& document, const GeometryO
         const auto* feature = document.findAs<ParamFeature>(id);
         if (!feature || feature->suppressed) continue;
         if (feature->typeId != "SheetFlange" && feature->typeId != "SheetRules") continue;
-        Result<SheetRules> rules = readSheetRules(feature->parameters, kFactorOf(document, body));
+        nlohmann::json parameters = feature->parameters;
+        // A body made sheet metal with thickness 0 is as thick as it measures there.
+        if (feature->typeId == "SheetRules" && parameterNumber(parameters, "thickness", 0) == 0) {
+            const geometry::NamedShape* shape = document.shapeBefore(id);
+            Result<double> measured =
+                measureSheetThickness(shape ? shape->shape() : body.shape.shape());
+            if (!measured) return std::nullopt;
+            parameters["thickness"] = *measured;
+        }
+        Result<SheetRules> rules = readSheetRules(parameters, kFactorOf(document, body));
         if (!rules) return std::nullopt;
         rules->featureId = id;
         return *rules;

@@ -43,7 +43,8 @@ inline constexpr double kDefaultThickness = 1.5;
 Result<SheetRules> readSheetRules(const nlohmann::json& parameters, double materialK);
 
 // The rules of a body: those of its first active SheetFlange or SheetRules feature;
-// none when it has no such feature (it isn't sheet metal).
+// none when it has no such feature (it isn't sheet metal). A SheetRules feature with
+// thickness 0 gives the thickness measured on the body as that feature found it.
 std::optional<SheetRules> sheetRulesOf(const Document& document, const GeometryObject& body);
 
 // The flat length of one bend of `angleDegrees` with inner radius `innerRadius`: a
