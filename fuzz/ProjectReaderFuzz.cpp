@@ -5,6 +5,7 @@
 #include "geometry/holes/HoleTypes.h"
 #include "geometry/param/ParamTypes.h"
 #include "geometry/patterns/PatternCommands.h"
+#include "geometry/sheet/flat/FlatKinds.h"
 #include "geometry/sheet/metal/SheetMetalKinds.h"
 #include "sketch/SketchJson.h"
 
@@ -19,6 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         cad::registerHoleTypes(t);
         cad::registerPatternTypes(t);
         cad::addSheetMetalKinds();
+        cad::addFlatKinds();
         cad::registerParamTypes(t);
         return t;
     }();

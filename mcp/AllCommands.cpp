@@ -16,6 +16,7 @@
 #include "geometry/param/ParamTypes.h"
 #include "geometry/patterns/PatternCommands.h"
 #include "geometry/projection/ProjectionCommands.h"
+#include "geometry/sheet/flat/FlatKinds.h"
 #include "geometry/sheet/metal/SheetMetalKinds.h"
 #include "sketch/SketchCommands.h"
 #include "sketch/SketchJson.h"
@@ -57,9 +58,9 @@ const std::vector<std::string_view>& catalogueCommandOrder() {
         "edit_fold", "split_body", "edit_split_body", "split_piece", "edit_split_piece", "combine",
         "edit_combine", "mirror_body", "edit_mirror_body", "delete_faces", "edit_delete_faces",
         "frozen", "edit_frozen", "frozen_body", "edit_frozen_body", "sheet_rules",
-        "edit_sheet_rules", "hem", "edit_hem", "pattern_rectangular", "edit_pattern_rectangular", "pattern_circular",
-        "edit_pattern_circular", "pattern_path", "edit_pattern_path", "mirror_features",
-        "edit_mirror_features"};
+        "edit_sheet_rules", "hem", "edit_hem", "pattern_rectangular", "edit_pattern_rectangular",
+        "pattern_circular", "edit_pattern_circular", "pattern_path", "edit_pattern_path",
+        "mirror_features", "edit_mirror_features"};
     return order;
 }
 
@@ -74,6 +75,7 @@ void registerAllCommands(CommandRegistry& registry) {
     // Adds the pattern kinds, so it goes before the parametric commands.
     registerPatternCommands(scratch);
     addSheetMetalKinds(); // kinds too: before the parametric commands
+    addFlatKinds();
     registerParamCommands(scratch);
     registerHistoryCommands(scratch);
     registerSketchCommands(scratch);
@@ -106,6 +108,7 @@ void registerAllTypes(ObjectTypes& types) {
     registerHoleTypes(types);
     registerPatternTypes(types); // adds the kinds: before the parametric records
     addSheetMetalKinds();
+    addFlatKinds();
     registerParamTypes(types);
 }
 

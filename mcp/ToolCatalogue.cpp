@@ -5,7 +5,9 @@
 #include "mcp/BodyTools.h"
 #include "mcp/DrawingTools.h"
 #include "mcp/ExchangeTools.h"
+#include "mcp/FlatTools.h"
 #include "mcp/FootprintTools.h"
+#include "mcp/NestTools.h"
 #include "mcp/QueryTools.h"
 
 namespace cad::mcp {
@@ -19,7 +21,8 @@ struct Property {
     bool required;
     const char* description; // may be empty
     std::vector<std::string> choices = {};
-    const char* type = "string"; // "string", "number", "boolean", or "array" of strings
+    const char* type = "string";  // "string", "number", "boolean", or "array" of strings
+    ordered_json items = nullptr; // an array's items when they aren't strings
 };
 
 // The unit of the files the tools write, and the bodies they take.
@@ -28,6 +31,19 @@ Property unitProperty(const char* description) {
 }
 const Property kBodiesProperty{
     "bodies", false, "Bodies' IDs or names (default: every visible body).", {}, "array"};
+
+// nest_parts' list: objects naming a body, how many of it, and its flat face.
+Property nestPartsProperty() {
+    Property parts{"parts", true, "Bodies and how many of each (default 1).", {}, "array"};
+    parts.items = {{"type", "object"},
+                   {"properties",
+                    {{"body", {{"type", "string"}}},
+                     {"quantity", {{"type", "integer"}, {"minimum", 0}}},
+                     {"face", {{"type", "string"}}}}},
+                   {"required", {"body"}},
+                   {"additionalProperties", false}};
+    return parts;
+}
 
 // A query tool's schema from its properties, in the order given.
 ordered_json stringSchema(const std::vector<Property>& properties) {
@@ -38,7 +54,8 @@ ordered_json stringSchema(const std::vector<Property>& properties) {
     for (const Property& p : properties) {
         ordered_json prop = ordered_json::object();
         prop["type"] = p.type;
-        if (std::string_view(p.type) == "array") prop["items"] = {{"type", "string"}};
+        if (std::string_view(p.type) == "array")
+            prop["items"] = p.items.is_null() ? ordered_json{{"type", "string"}} : p.items;
         if (!p.choices.empty()) prop["enum"] = p.choices;
         if (*p.description) prop["description"] = p.description;
         props[p.name] = std::move(prop);
@@ -118,6 +135,29 @@ std::vector<QueryTool> buildQueryTools() {
          unitProperty("What the file's numbers are in (default: the document's display unit)."),
          {"construction", false, "Include construction geometry.", {}, "boolean"}},
         false, false, exportSketchTool);
+    add("export_flat",
+        "Write a body laid flat as a 2D file for laser or CNC software: .dxf (R12) or .svg by the "
+        "path's extension. Seen square to its largest flat face (or `face`): the outside on "
+        "CUT_OUTSIDE, openings right through on CUT_INSIDE, pockets and engraved text on "
+        "ENGRAVE. Real units.",
+        {{"body", true, "The body's ID or name."},
+         {"path", true, "File path ending in .dxf or .svg."},
+         {"face", false, "A flat face's persistent name (get_body), e.g. \"Extrude1.end\"."},
+         unitProperty("What the file's numbers are in (default: the document's display unit).")},
+        false, false, exportFlatTool);
+    add("flat_pattern",
+        "A sheet metal body unfolded: its blank's size, its bends (angle, inner radius, up or "
+        "down, where), and optionally the blank written to .dxf or .svg (outline on CUT_OUTSIDE, "
+        "holes on CUT_INSIDE, bend lines on BEND). Works on any part of flat walls and "
+        "cylindrical bends of one thickness, imported ones too. Uses the body's rules (its base "
+        "flange), or k_factor / thickness given here.",
+        {{"body", true, "The body's ID or name."},
+         {"path", false, "Optional: a file ending in .dxf or .svg."},
+         {"face", false, "The flat face that stays put (default: the largest)."},
+         {"k_factor", false, "Instead of the body's (default 0.44 without rules).", {}, "number"},
+         {"thickness", false, "mm; default the body's, or measured.", {}, "number"},
+         unitProperty("What the file's numbers are in (default: the document's display unit).")},
+        true, false, flatPatternTool);
     add("export_step",
         "Write bodies to a STEP file (AP214) for other CAD software: exact geometry, each body a "
         "part named as it is here. Millimetres.",
@@ -126,11 +166,30 @@ std::vector<QueryTool> buildQueryTools() {
     add("export_stl", "Write bodies to one STL mesh file (for 3D printing or mesh tools).",
         {{"path", true, "File path ending in .stl."},
          kBodiesProperty,
-         {"deflection", false, "How far triangles may stray from the surfaces, mm (default 0.01).",
-          {}, "number"},
+         {"deflection",
+          false,
+          "How far triangles may stray from the surfaces, mm (default 0.01).",
+          {},
+          "number"},
          unitProperty("What the file's numbers are in (default mm)."),
          {"binary", false, "Binary (default) or text STL.", {}, "boolean"}},
         false, false, exportStlTool);
+    add("nest_parts",
+        "Lay out copies of bodies (each laid flat, as export_flat) on rectangular sheets and write "
+        "them as one .dxf or .svg: sheets side by side, each outlined on the SHEET layer. Parts "
+        "are turned to their tightest rectangle and packed; 90° turns when allowed. Reports "
+        "the sheets used and each copy's place.",
+        {nestPartsProperty(),
+         {"sheet_width", true, "In `unit` (default mm).", {}, "number"},
+         {"sheet_height", true, "", {}, "number"},
+         {"spacing", false, "Between parts (default 3 mm).", {}, "number"},
+         {"margin", false, "From the sheet's edges (default 5 mm).", {}, "number"},
+         {"allow_turning", false, "90° turns to fit better (default true).", {}, "boolean"},
+         {"path", false, "File path ending in .dxf or .svg; omit to only report the layout."},
+         unitProperty("")},
+        false, false, [](McpHost& host, const ToolArguments& arguments) {
+            return nestPartsTool(host, arguments, flatDrawingForNesting);
+        });
     add("screenshot", "An image of the app's 3D view as the user sees it.", {}, true, false,
         screenshotTool);
     add("set_view", "Turn the app's view to a standard direction, or fit everything in view.",

@@ -10,6 +10,7 @@
 #include "core/CommandStack.h"
 #include "core/Document.h"
 #include "core/Result.h"
+#include "sketch/drawing/Drawing.h"
 #endif
 #include "ui/WindowPrompt.h"
 
@@ -244,6 +245,15 @@ private:
     void placeLooksPanel();
     void stopLooksPicking();
     ToolStrip* buildSketchStrip(QWidget* parent);
+    // The SHEET METAL tab's strip, its Nest Parts action, and the Nest Parts form.
+    ToolStrip* buildSheetStrip(QWidget* parent);
+    void buildSheetMetalActions();
+    void openNestForm();
+    // A body laid flat for cutting, in millimetres: its flat pattern.
+    Result<drawing::Drawing> flatDrawingOf(const std::string& body) const;
+    // The strip of the design tab chosen (SOLID or SHEET METAL), shown when no sketch
+    // is edited.
+    ToolStrip* designStrip() const;
     void connectSketchSession();
     void beginPlanePick();
     void endPlanePick();
@@ -387,6 +397,11 @@ private:
         QAction* material = nullptr;
         QAction* referencePlane = nullptr;
         QAction* section = nullptr;
+        QAction* sheetFlange = nullptr;
+        QAction* edgeFlange = nullptr;
+        QAction* sheetRules = nullptr;
+        QAction* hem = nullptr;
+        QAction* nestParts = nullptr;
         QAction* parameters = nullptr;
         QAction* search = nullptr;
         QAction* browser = nullptr;
@@ -404,6 +419,8 @@ private:
     QToolButton* unitButton_ = nullptr;
     ToolStrip* modelingTools_ = nullptr;
     ToolStrip* sketchTools_ = nullptr;
+    ToolStrip* sheetTools_ = nullptr;
+    QToolButton* sheetTab_ = nullptr;
     QToolButton* finishSketchButton_ = nullptr;
     QLabel* modeBanner_ = nullptr;
     OverlayPanel* textCard_ = nullptr;

@@ -278,6 +278,7 @@ void MainWindow::buildActions() {
 
     buildSketchActions();
     buildFeatureActions();
+    buildSheetMetalActions();
     buildLooksActions();
 }
 
@@ -394,7 +395,19 @@ QWidget* MainWindow::buildTopBar() {
     tabGroup->setExclusive(true);
     tabGroup->addButton(solidTab);
     tabRow->addWidget(solidTab);
+    sheetTab_ = new QToolButton(tabs);
+    sheetTab_->setObjectName(QStringLiteral("sheetTab"));
+    sheetTab_->setText(QStringLiteral("SHEET METAL"));
+    sheetTab_->setCheckable(true);
+    tabGroup->addButton(sheetTab_);
+    tabRow->addWidget(sheetTab_);
     row->addWidget(tabs);
+    // The tabs choose the strip; while a sketch is edited its own strip stays.
+    connect(sheetTab_, &QToolButton::toggled, this, [this] {
+        if (editingSketch()) return;
+        modelingTools_->setVisible(designStrip() == modelingTools_);
+        sheetTools_->setVisible(designStrip() == sheetTools_);
+    });
 
     // Only what exists: each group holds and pins the tools it has so far.
     modelingTools_ = new ToolStrip(QStringLiteral("modelingTools"), bar);
@@ -416,6 +429,8 @@ QWidget* MainWindow::buildTopBar() {
                                            QStringLiteral("INSPECT"), {actions_.section},
                                            {QStringLiteral("Section Analysis")}));
     row->addWidget(modelingTools_, 1);
+    sheetTools_ = buildSheetStrip(bar);
+    row->addWidget(sheetTools_, 1);
     sketchTools_ = buildSketchStrip(bar);
     row->addWidget(sketchTools_, 1);
 

@@ -92,6 +92,8 @@ void MainWindow::buildPanels() {
         return QPoint(x, y);
     });
     connect(forms_.get(), &FormController::opened, this, [this] { layoutOverlays(); });
+    connect(forms_.get(), &FormController::finished, this,
+            [this](const QString& text) { showToast(text); });
     buildLooksPanel();
     connect(browser_, &ObjectBrowser::exportRequested, this,
             [this](const QString& id, const QString& format) {
@@ -135,7 +137,7 @@ void MainWindow::buildFeatureActions() {
         const char* description;
         const char* feature;
     };
-    static constexpr std::array<FeatureAction, 17> features{{
+    static constexpr std::array<FeatureAction, 21> features{{
         {&Actions::fillet, "fillet", "Fillet", "edgeFillet", "", "Round edges of a body", "Fillet"},
         {&Actions::chamfer, "chamfer", "Chamfer", "edgeChamfer", "", "Bevel edges of a body",
          "Chamfer"},
@@ -163,6 +165,14 @@ void MainWindow::buildFeatureActions() {
          "ReferencePlane"},
         {&Actions::section, "section", "Section Analysis", "sectionAnalysis", "", "",
          "SectionAnalysis"},
+        {&Actions::sheetFlange, "sheet-flange", "Flange", "sheetflangeFeature", "",
+         "A sheet metal part from a sketch: a plate, or a bent profile of lines", "SheetFlange"},
+        {&Actions::edgeFlange, "edge-flange", "Edge Flange", "edgeflangeFeature", "",
+         "Bend a wall up from a straight edge of the sheet", "EdgeFlange"},
+        {&Actions::sheetRules, "sheet-rules", "Convert to Sheet Metal", "sheetrulesFeature", "",
+         "Give a body sheet metal rules: thickness, bend radius, K-factor", "SheetRules"},
+        {&Actions::hem, "hem", "Hem", "hemFeature", "", "Fold an edge right back over the sheet",
+         "Hem"},
     }};
     for (const FeatureAction& f : features) {
         const QString description = QString::fromLatin1(f.description);

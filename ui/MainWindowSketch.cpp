@@ -539,6 +539,7 @@ void MainWindow::editSketch(const std::string& id) {
     clearSelection();
 
     modelingTools_->hide();
+    sheetTools_->hide();
     sketchTools_->show();
     finishSketchButton_->show();
     showBanner(banner(QStringLiteral("SKETCH"), QString::fromStdString(sketch->displayName()),
@@ -570,7 +571,7 @@ void MainWindow::leaveSketchMode() {
     viewport_->hideGrid();
     presenter_->setOriginPlanesHidden(false);
     sketchTools_->hide();
-    modelingTools_->show();
+    designStrip()->show();
     finishSketchButton_->hide();
     showBanner({});
     updateUndoRedo();

@@ -108,7 +108,7 @@ Result<GeometryObject*> FeatureCommand::bodyFor(Document& document, const ParamF
     const std::vector<std::string> used =
         type.dependencies ? type.dependencies(parameters) : referencedObjects(type, parameters);
     if (GeometryObject* body = bodyOfUsedObjects(document, used)) return body;
-    return fail(kNoBody);
+    return fail(type.noBody.empty() ? kNoBody : type.noBody);
 }
 
 std::string FeatureCommand::done(const std::string& feature, const std::string& body) const {

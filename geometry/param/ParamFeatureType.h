@@ -42,6 +42,8 @@ struct ParamFeatureType {
     // Kinds that change a body: the key naming that body, added to the arguments
     // unless the table has it already ("target" of combine).
     std::string bodyKey = "body";
+    // The sentence when no body can be told from the arguments; empty: the usual one.
+    std::string noBody;
     // Overrides the text of the target argument ("The body it changes (default: the
     // body of what it patterns)."); empty keeps the usual one.
     std::string targetDescription;

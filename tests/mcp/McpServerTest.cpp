@@ -155,7 +155,7 @@ TEST(McpToolList, QueryToolsSurroundTheCommandsInCatalogueOrder) {
     HeadlessSession s;
     json tools = s.session.send(request(1, "tools/list"))["result"]["tools"];
     const auto& entries = s.host.registry().entries();
-    ASSERT_EQ(tools.size(), entries.size() + 18);
+    ASSERT_EQ(tools.size(), entries.size() + 21);
     std::vector<std::string> names;
     for (const json& t : tools) names.push_back(t["name"]);
     EXPECT_EQ(names[4 + entries.size()], "list_materials");
@@ -165,27 +165,34 @@ TEST(McpToolList, QueryToolsSurroundTheCommandsInCatalogueOrder) {
     const std::vector<std::string> first{"get_document", "get_body", "measure", "get_sketch"};
     const std::vector<std::string> last{
         "undo",          "redo",        "new_document", "open_project", "save_project",
-        "export_sketch", "export_step", "export_stl",   "screenshot",   "set_view"};
+        "export_sketch", "export_flat", "flat_pattern", "export_step",  "export_stl",
+        "nest_parts",    "screenshot",  "set_view"};
     EXPECT_TRUE(std::equal(first.begin(), first.end(), names.begin()));
-    EXPECT_TRUE(std::equal(last.begin(), last.end(), names.end() - 10));
+    EXPECT_TRUE(std::equal(last.begin(), last.end(), names.end() - 13));
     for (std::size_t i = 0; i < entries.size(); ++i) EXPECT_EQ(names[4 + i], entries[i].name);
     EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
 
     const std::set<std::string> readOnly{"get_document", "get_body",       "measure",
                                          "get_sketch",   "list_materials", "list_footprints",
-                                         "screenshot"};
+                                         "flat_pattern", "screenshot"};
     for (const json& t : tools) {
         bool marked = t.contains("annotations") && t["annotations"].value("readOnlyHint", false);
         EXPECT_EQ(marked, readOnly.count(t["name"]) == 1) << t["name"];
         EXPECT_EQ(t["inputSchema"]["additionalProperties"], false);
     }
     json getBody = tools[1];
-    const json& stl = tools[tools.size() - 3]["inputSchema"]["properties"];
-    EXPECT_EQ(stl["bodies"].dump(),
-              R"({"type":"array","items":{"type":"string"},"description":"Bodies' IDs or names (default: every visible body)."})");
+    const json& stl = tools[tools.size() - 4]["inputSchema"]["properties"];
+    EXPECT_EQ(
+        stl["bodies"].dump(),
+        R"({"type":"array","items":{"type":"string"},"description":"Bodies' IDs or names (default: every visible body)."})");
     EXPECT_EQ(stl["deflection"]["type"], "number");
     EXPECT_EQ(stl["binary"]["type"], "boolean");
     EXPECT_EQ(stl["unit"]["enum"].size(), 5u);
+    const json& nestParts = tools[tools.size() - 3]["inputSchema"];
+    EXPECT_EQ(nestParts["required"], json({"parts", "sheet_width", "sheet_height"}));
+    EXPECT_EQ(nestParts["properties"]["parts"]["items"]["required"], json({"body"}));
+    EXPECT_EQ(nestParts["properties"]["parts"]["items"]["properties"]["quantity"]["type"],
+              "integer");
     EXPECT_EQ(
         getBody["inputSchema"].dump(),
         R"({"type":"object","properties":{"body":{"type":"string","description":"e.g. \"Body1\""}},"required":["body"],"additionalProperties":false})");

@@ -144,6 +144,7 @@ TEST_F(SheetRulesKind, ABodyWithNoFaceAcrossIsNoSheet) {
               "thickness.");
     EXPECT_EQ(refused("sheet_rules", {{"body", "Body1"}, {"thickness", 2}, {"bend_radius", -1}}),
               "The bend radius can't be negative.");
+    EXPECT_EQ(refused("sheet_rules", {{"thickness", 2}}), "Pick the body to make sheet metal.");
 }
 
 } // namespace

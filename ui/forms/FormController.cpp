@@ -81,7 +81,10 @@ Result<CommandRecord> checkForm(const FormDefinition& definition, FeatureForm& f
     const bool complete =
         definition.complete ? definition.complete(form) : form.missingPrompt().isEmpty();
     Result<CommandRecord> record = fail(form.missingPrompt().toStdString());
-    if (complete && definition.build) record = definition.build(form);
+    if (complete && definition.build)
+        record = definition.build(form);
+    else if (complete && definition.finish)
+        record = CommandRecord(""); // it runs no command: complete is all it needs
     form.setAcceptEnabled(complete && record.ok());
     if (!complete) {
         // The prompt says what's missing; it is no error.
@@ -170,10 +173,9 @@ bool FormController::openPatternForm(const QString& kind) {
 
 bool FormController::openSketchPatternForm(int kind) {
     const std::string sketch = sketchHost_.sketch ? sketchHost_.sketch() : std::string();
-    std::optional<FormDefinition> form =
-        sketchPatternForm(stack_.document(), sketch, kind,
-                          sketchHost_.selection ? sketchHost_.selection()
-                                                : std::vector<std::string>());
+    std::optional<FormDefinition> form = sketchPatternForm(
+        stack_.document(), sketch, kind,
+        sketchHost_.selection ? sketchHost_.selection() : std::vector<std::string>());
     if (!form) return false;
     open(std::move(*form));
     return true;
@@ -269,7 +271,9 @@ void FormController::cancel() {
 }
 
 bool FormController::accept() {
-    if (!form_ || busy_ || !form_->acceptEnabled() || !definition_.build) return false;
+    if (!form_ || busy_ || !form_->acceptEnabled()) return false;
+    if (definition_.finish) return finish();
+    if (!definition_.build) return false;
     Result<CommandRecord> record = [&] {
         auto scope = documentUnits(stack_.document());
         return definition_.build(*form_);
@@ -302,6 +306,24 @@ bool FormController::accept() {
     update();
     showMessage(QString::fromStdString(result.message), true);
     return false;
+}
+
+bool FormController::finish() {
+    busy_ = true;
+    Result<QString> done = [&] {
+        auto scope = documentUnits(stack_.document());
+        return definition_.finish(*form_);
+    }();
+    busy_ = false;
+    if (!form_) return false;
+    if (!done) {
+        showMessage(QString::fromStdString(done.error()), true);
+        return false;
+    }
+    if (done->isEmpty()) return false;
+    close();
+    emit finished(*done);
+    return true;
 }
 
 CommandResult FormController::runSteps(const std::vector<CommandRecord>& before,
@@ -393,8 +415,7 @@ void FormController::stopPicking() {
         if (sketchHost_.stopPick) sketchHost_.stopPick();
     }
     if (view_ && !view_->tool() && sketchHost_.restingTool)
-        if (rendering::ViewportTool* resting = sketchHost_.restingTool())
-            view_->setTool(resting);
+        if (rendering::ViewportTool* resting = sketchHost_.restingTool()) view_->setTool(resting);
 }
 
 void FormController::pickRowChanged(const QString& key) {

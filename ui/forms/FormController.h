@@ -102,6 +102,8 @@ signals:
     void opened();
     void closed();
     void messageChanged(const QString& text, bool error);
+    // A form that writes a file finished; `text` says what it wrote.
+    void finished(const QString& text);
     // A live trial went onto the model or was withdrawn (trials announce no command).
     void trialChanged();
 
@@ -116,6 +118,8 @@ private:
     bool openParamEditForm(const ParamFeature& feature);
     // changed, then complete and build, then the preview or the trial edit.
     void update();
+    // OK on a form that writes a file.
+    bool finish();
     // The form's commands: those it needs first, then its own, as one step.
     CommandResult runSteps(const std::vector<CommandRecord>& before, const CommandRecord& record);
     void close();
@@ -134,8 +138,8 @@ private:
     FormDefinition definition_;
     QPointer<FeatureForm> form_;
     std::unique_ptr<FormSession> session_;
-    bool busy_ = false;    // updating or accepting: command events don't refresh
-    bool picking_ = false; // the picker works for the form
+    bool busy_ = false;          // updating or accepting: command events don't refresh
+    bool picking_ = false;       // the picker works for the form
     bool sketchPicking_ = false; // the sketch session picks for the form
     SketchFormHost sketchHost_;
 };

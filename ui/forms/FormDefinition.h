@@ -32,6 +32,10 @@ struct FormDefinition {
     std::function<bool(FeatureForm&)> complete;
     // The command the form runs; an error disables OK and shows in the message line.
     std::function<Result<CommandRecord>(FeatureForm&)> build;
+    // A form that leaves the model alone (it writes a file): OK runs this instead of a
+    // command. Its answer is the toast when the form closes; a failure shows in the
+    // message line, and an empty answer (a dialog cancelled) keeps the form open.
+    std::function<Result<QString>(FeatureForm&)> finish;
     // Commands OK runs before the built one, in the same step to undo (the sketch that
     // holes clicked on a face go on); made when OK is pressed.
     std::function<Result<std::vector<CommandRecord>>(FeatureForm&)> before;

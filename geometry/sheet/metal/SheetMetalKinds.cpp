@@ -170,6 +170,7 @@ ParamFeatureType edgeFlangeType() {
                 "How far the relief goes into the sheet. Leave out for bend radius + thickness + "
                 "half its width.");
     type.compute = sheet::computeEdgeFlange;
+    type.noBody = "Pick the edge the flange goes on.";
     return type;
 }
 
@@ -195,6 +196,7 @@ ParamFeatureType sheetRulesType() {
         bendTableKind(),
     };
     type.compute = sheet::computeSheetRules;
+    type.noBody = "Pick the body to make sheet metal.";
     return type;
 }
 
@@ -218,6 +220,7 @@ ParamFeatureType hemType() {
                 "How far the relief goes into the sheet. Leave out for the fold's radius + "
                 "thickness + half its width.");
     type.compute = sheet::computeHem;
+    type.noBody = "Pick the edge the flange goes on.";
     return type;
 }
 

@@ -1,0 +1,92 @@
+// The fabrication chain as an agent runs it: a bracket bent from a sketched profile,
+// two edge flanges, a hole cut while it lies flat between an Unfold and a Fold; its
+// flat pattern written as DXF; twenty of it with two plain plates nested on
+// 1000 x 500 sheets and written as one DXF. ezdxf and shapely read both files.
+#include "tests/mcp/McpTestSupport.h"
+#include "tests/support/ProgramOutput.h"
+#include "tests/support/TempFolder.h"
+
+#include <fstream>
+
+namespace cad::mcp::testing {
+namespace {
+
+TEST(FabricationChain, BracketFlatPatternAndNestCheckedByIndependentReaders) {
+    HeadlessSession s;
+    Session& agent = s.session;
+    TempFolder folder;
+
+    // An L of 40 up and 60 along, 2 thick, inner radius 2, 50 wide.
+    agent.ok("create_sketch", {{"plane", "XY"}});
+    agent.ok("add_line", {{"sketch", "Sketch1"}, {"x1", 0}, {"y1", 40}, {"x2", 0}, {"y2", 0}});
+    agent.ok("add_line", {{"sketch", "Sketch1"}, {"x1", 0}, {"y1", 0}, {"x2", 60}, {"y2", 0}});
+    agent.ok("sheet_flange",
+             {{"sketch", "Sketch1"}, {"thickness", 2}, {"bend_radius", 2}, {"width", 50}});
+    agent.ok("edge_flange",
+             {{"edge", "Body1/Edge(Flange1.Line1, Flange1.start_cap)"}, {"length", 15}});
+    agent.ok("edge_flange",
+             {{"edge", "Body1/Edge(Flange1.Line2, Flange1.end_cap)"}, {"length", 15}});
+    const double bent = agent.okJson("get_body", {{"body", "Body1"}})["measured"]["volume_mm3"];
+
+    // Laid flat, an 8 mm hole goes through the wall that was upright; folded back, the
+    // bracket has lost exactly the hole's volume.
+    agent.ok("unfold", {{"body", "Body1"}});
+    agent.ok("create_sketch", {{"plane", "XZ"}});
+    agent.ok("add_circle", {{"sketch", "Sketch2"}, {"cx", -25}, {"cy", 25}, {"radius", 4}});
+    agent.ok("extrude", {{"sketch", "Sketch2"},
+                         {"distance", 10},
+                         {"operation", "cut"},
+                         {"target", "Body1"},
+                         {"extent", "symmetric"}});
+    agent.ok("fold", {{"body", "Body1"}});
+    const json folded = agent.okJson("get_body", {{"body", "Body1"}})["measured"];
+    EXPECT_NEAR(bent - folded["volume_mm3"].get<double>(), 3.14159265358979 * 16 * 2, 1e-3);
+    EXPECT_EQ(folded["bounds"][1][2], 50.0); // still bent: 50 wide, not lying flat
+
+    const std::string flat = folder.file("bracket.dxf");
+    const json blank = agent.okJson("flat_pattern", {{"body", "Body1"}, {"path", flat}});
+    EXPECT_EQ(blank["holes"], 1);
+    EXPECT_EQ(blank["bends"].size(), 3u);
+
+    // Two other parts: a plate with a hole and a disc.
+    agent.ok("create_sketch", {{"plane", "XY"}});
+    agent.ok("add_rectangle",
+             {{"sketch", "Sketch3"}, {"x1", 100}, {"y1", 0}, {"x2", 220}, {"y2", 80}});
+    agent.ok("add_circle", {{"sketch", "Sketch3"}, {"cx", 130}, {"cy", 40}, {"radius", 10}});
+    agent.ok("sheet_flange", {{"sketch", "Sketch3"}, {"thickness", 2}});
+    agent.ok("create_sketch", {{"plane", "XY"}});
+    agent.ok("add_circle", {{"sketch", "Sketch4"}, {"cx", 300}, {"cy", 0}, {"radius", 45}});
+    agent.ok("sheet_flange", {{"sketch", "Sketch4"}, {"thickness", 2}});
+
+    const std::string sheets = folder.file("nest.dxf");
+    const json nested = agent.okJson("nest_parts", {{"parts",
+                                                     {{{"body", "Body1"}, {"quantity", 20}},
+                                                      {{"body", "Body2"}, {"quantity", 5}},
+                                                      {{"body", "Body3"}, {"quantity", 8}}}},
+                                                    {"sheet_width", 1000},
+                                                    {"sheet_height", 500},
+                                                    {"path", sheets}});
+    EXPECT_EQ(nested["placements"].size(), 33u);
+    EXPECT_EQ(nested["file"], sheets);
+
+    const std::string request = folder.file("request.json");
+    std::ofstream(request) << json{{"spacing", 3}, {"margin", 5}}.dump();
+    const std::string report = cad::testing::programOutput(
+        "/usr/bin/python3 " KORVEL_FABRICATION_CHECK " " + flat + " " + sheets + " " + request);
+    const json read = json::parse(report, nullptr, false);
+    ASSERT_FALSE(read.is_discarded()) << report;
+    EXPECT_EQ(read["flat_errors"], 0);
+    EXPECT_EQ(read["flat_outlines"], 1);
+    EXPECT_EQ(read["flat_holes"], 1);
+    // The blank is the part: its area times the thickness is the folded volume.
+    EXPECT_NEAR(read["flat_area"].get<double>() * 2 / folded["volume_mm3"].get<double>(), 1, 0.005);
+    EXPECT_EQ(read["nest_errors"], 0);
+    EXPECT_EQ(read["parts"], 33);
+    EXPECT_EQ(read["sheets"], nested["sheets"]);
+    EXPECT_GE(read["closest"].get<double>(), 3 - 1e-6); // the spacing
+    EXPECT_EQ(read["outside_margin"], 0);
+    EXPECT_NEAR(read["usage"].get<double>() * 100, nested["usage"].get<double>(), 0.05);
+}
+
+} // namespace
+} // namespace cad::mcp::testing
