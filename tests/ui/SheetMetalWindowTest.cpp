@@ -47,6 +47,12 @@ TEST_F(SheetMetalWindowTest, TheTabSwapsTheStripAndNestPartsSavesTheSheets) {
               (QStringList{"Sketch", "Extrude", "Flange", "Edge Flange", "Hem",
                            "Convert to Sheet Metal", "Hole", "Reference Plane"}));
     EXPECT_TRUE(groupActions("sheet.make").contains("Nest Parts"));
+    // Every sheet metal tool has its icon (a missing one shows as cut-off text).
+    for (ToolGroup* group : window->findChildren<ToolGroup*>()) {
+        if (!group->key().startsWith(QLatin1String("sheet."))) continue;
+        for (QAction* a : group->allActions())
+            EXPECT_FALSE(a->icon().isNull()) << a->text().toStdString();
+    }
 
     // A sketch's strip takes over, and the sheet metal strip comes back after it.
     ASSERT_TRUE(window->runCommand(CommandRecord("create_sketch").set("plane", "XY")).ok);
