@@ -6,6 +6,7 @@
 #include "tests/support/ProgramOutput.h"
 #include "tests/support/TempFolder.h"
 
+#include <cmath>
 #include <fstream>
 
 namespace cad::mcp::testing {
@@ -86,6 +87,57 @@ TEST(FabricationChain, BracketFlatPatternAndNestCheckedByIndependentReaders) {
     EXPECT_GE(read["closest"].get<double>(), 3 - 1e-6); // the spacing
     EXPECT_EQ(read["outside_margin"], 0);
     EXPECT_NEAR(read["usage"].get<double>() * 100, nested["usage"].get<double>(), 0.05);
+}
+
+TEST(FabricationChain, NestPartsSaysWhatIsWrongAndAnswersInItsUnit) {
+    HeadlessSession s;
+    Session& agent = s.session;
+    agent.ok("create_sketch", {{"plane", "XY"}});
+    agent.ok("add_rectangle",
+             {{"sketch", "Sketch1"}, {"x1", 0}, {"y1", 0}, {"x2", 254}, {"y2", 25.4}});
+    agent.ok("sheet_flange", {{"sketch", "Sketch1"}, {"thickness", 1}});
+    const json plate = {{{"body", "Body1"}, {"quantity", 2}}};
+    auto refusal = [&](json arguments) {
+        const ToolReply reply = agent.call("nest_parts", std::move(arguments));
+        EXPECT_TRUE(reply.isError);
+        return reply.text;
+    };
+    EXPECT_EQ(refusal({{"parts", json::array()}, {"sheet_width", 100}, {"sheet_height", 100}}),
+              "Choose the parts to nest.");
+    EXPECT_EQ(
+        refusal({{"parts", {{{"body", "Body9"}}}}, {"sheet_width", 100}, {"sheet_height", 100}}),
+        "No body named 'Body9'.");
+    EXPECT_EQ(refusal({{"parts", {{{"body", "Body1"}, {"quantity", -1}}}},
+                       {"sheet_width", 100},
+                       {"sheet_height", 100}}),
+              "nest_parts: a part's 'quantity' is a whole number, 0 or more.");
+    EXPECT_EQ(refusal({{"parts", plate}, {"sheet_width", 100}, {"sheet_height", 100}}),
+              "Body1 (254 x 25 mm) doesn't fit on the sheet.");
+    EXPECT_EQ(
+        refusal({{"parts", plate}, {"sheet_width", 300}, {"sheet_height", 100}, {"margin", 50}}),
+        "The margins leave no room on the sheet.");
+    EXPECT_EQ(
+        refusal({{"parts", plate}, {"sheet_width", 300}, {"sheet_height", 100}, {"unit", "yd"}}),
+        "Unknown unit.");
+    EXPECT_EQ(
+        refusal({{"parts", plate}, {"sheet_width", 300}, {"sheet_height", 100}, {"path", "a.txt"}}),
+        "Export as .dxf or .svg.");
+
+    // In inches: a 12 x 4 in sheet, 0.1 in apart and 0.2 in from the edges; the two
+    // 10 x 1 in plates stack, the second 1.1 in above the first.
+    const json inches = agent.okJson("nest_parts", {{"parts", plate},
+                                                    {"sheet_width", 12},
+                                                    {"sheet_height", 4},
+                                                    {"spacing", 0.1},
+                                                    {"margin", 0.2},
+                                                    {"unit", "in"}});
+    EXPECT_EQ(inches["sheets"], 1);
+    ASSERT_EQ(inches["placements"].size(), 2u);
+    EXPECT_NEAR(inches["placements"][0]["x"].get<double>(), 0.2, 1e-9);
+    EXPECT_NEAR(inches["placements"][1]["y"].get<double>() -
+                    inches["placements"][0]["y"].get<double>(),
+                1.1, 1e-9);
+    EXPECT_EQ(inches["usage"], std::round(2 * 10.0 / 48 * 1000) / 10);
 }
 
 } // namespace
