@@ -73,6 +73,9 @@ public:
     // False for a feature that moves with another history step instead of standing
     // in the timeline on its own (a body pattern bound to a pattern set).
     virtual bool standsAlone() const { return true; }
+    // True for a step that new features go just before while it ends its body's
+    // history (a fold left open, so that work goes onto the flat part).
+    virtual bool keepsLast() const { return false; }
 
     bool suppressed = false;
     std::string error; // why the last rebuild failed; empty when it computed

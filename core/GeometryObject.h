@@ -18,4 +18,10 @@ public:
     geometry::NamedShape shape;        // the current result, with its final names
 };
 
+class Document;
+
+// Adds a new feature to the body's history: at the end, or just before a last step
+// that keeps its place there (an open fold).
+void addFeatureTo(const Document& document, GeometryObject& body, const std::string& featureId);
+
 } // namespace cad

@@ -18,7 +18,7 @@ CommandResult AppendFeatureCommand::execute(Document& document) {
     auto* feature =
         static_cast<FeatureObject*>(document.add(std::move(undone_->object), undone_->index));
     undone_.reset();
-    body->features.push_back(feature->id);
+    addFeatureTo(document, *body, feature->id);
     Result<void> rebuilt = document.rebuildBody(*body);
     document.notifyChanged(*body);
     return CommandResult::success(
@@ -28,7 +28,7 @@ CommandResult AppendFeatureCommand::execute(Document& document) {
 CommandResult AppendFeatureCommand::append(Document& document, GeometryObject& body,
                                            std::unique_ptr<FeatureObject> feature) {
     const std::map<std::string, int> counters = document.idCounters();
-    body.features.push_back(feature->id);
+    addFeatureTo(document, body, feature->id);
     auto* added = static_cast<FeatureObject*>(document.add(std::move(feature)));
     featureSerial_ = added->serial;
     bodySerial_ = body.serial;

@@ -209,7 +209,7 @@ CommandResult ExtrudeCommand::firstRun(Document& document) {
         body = static_cast<GeometryObject*>(document.add(std::move(made)));
         bodySerial_ = body->serial;
     } else {
-        body->features.push_back(feature->id);
+        addFeatureTo(document, *body, feature->id);
         targetSerial_ = body->serial;
     }
     auto* added = static_cast<ExtrudeFeature*>(document.add(std::move(feature)));
@@ -250,7 +250,7 @@ void ExtrudeCommand::insert(Document& document) {
     if (!newBody_) {
         auto* body = dynamic_cast<GeometryObject*>(document.findBySerial(targetSerial_));
         auto* feature = document.findBySerial(featureSerial_);
-        if (body && feature) body->features.push_back(feature->id);
+        if (body && feature) addFeatureTo(document, *body, feature->id);
     }
 }
 

@@ -163,7 +163,7 @@ CommandResult FeatureCommand::firstRun(Document& document) {
         body = static_cast<GeometryObject*>(document.add(std::move(made)));
     }
     bodySerial_ = body->serial;
-    body->features.push_back(feature->id);
+    addFeatureTo(document, *body, feature->id);
     DocumentObject* added = document.add(std::move(feature));
     featureSerial_ = added->serial;
 
@@ -197,7 +197,7 @@ void FeatureCommand::insert(Document& document) {
     undone_.clear();
     auto* body = dynamic_cast<GeometryObject*>(document.findBySerial(bodySerial_));
     DocumentObject* feature = document.findBySerial(featureSerial_);
-    if (body && feature) body->features.push_back(feature->id);
+    if (body && feature) addFeatureTo(document, *body, feature->id);
 }
 
 void FeatureCommand::undo(Document& document) {

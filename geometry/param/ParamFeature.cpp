@@ -28,6 +28,11 @@ bool ParamFeature::standsAlone() const {
     return !(typeId == "PatternBody" && parameters.is_object() && parameters.contains("set"));
 }
 
+bool ParamFeature::keepsLast() const {
+    const ParamFeatureType* type = paramFeatureTypes().find(typeId);
+    return type && type->keepsLast && type->keepsLast(parameters);
+}
+
 Result<NamedShape> ParamFeature::apply(const NamedShape& input, const Document& document) const {
     const ParamFeatureType* type = paramFeatureTypes().find(typeId);
     if (!type || !type->compute) return fail("Unknown feature type '" + typeId + "'.");

@@ -27,6 +27,8 @@ public:
                                        const Document& document) const override;
     // A body pattern that moves with its pattern set is no step of its own.
     bool standsAlone() const override;
+    // As the kind says for these parameters.
+    bool keepsLast() const override;
 
     // Values typed as expressions live in parameters["expressions"], by key.
     std::vector<std::pair<std::string, units::Expression>> valueExpressions() const override;

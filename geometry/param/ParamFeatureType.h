@@ -42,6 +42,9 @@ struct ParamFeatureType {
     // Kinds that change a body: the key naming that body, added to the arguments
     // unless the table has it already ("target" of combine).
     std::string bodyKey = "body";
+    // Whether a feature of the kind, with these parameters, keeps the end of its body's
+    // history while new features go just before it (a fold left open); unset: never.
+    std::function<bool(const nlohmann::json& parameters)> keepsLast;
     // The sentence when no body can be told from the arguments; empty: the usual one.
     std::string noBody;
     // Overrides the text of the target argument ("The body it changes (default: the

@@ -2,6 +2,7 @@
 // two edge flanges, a hole cut while it lies flat between an Unfold and a Fold; its
 // flat pattern written as DXF; twenty of it with two plain plates nested on
 // 1000 x 500 sheets and written as one DXF. ezdxf and shapely read both files.
+#include "core/GeometryObject.h"
 #include "tests/mcp/McpTestSupport.h"
 #include "tests/support/ProgramOutput.h"
 #include "tests/support/TempFolder.h"
@@ -87,6 +88,44 @@ TEST(FabricationChain, BracketFlatPatternAndNestCheckedByIndependentReaders) {
     EXPECT_GE(read["closest"].get<double>(), 3 - 1e-6); // the spacing
     EXPECT_EQ(read["outside_margin"], 0);
     EXPECT_NEAR(read["usage"].get<double>() * 100, nested["usage"].get<double>(), 0.05);
+}
+
+TEST(FabricationChain, WorkOnAnOpenFoldGoesBeforeItAndFoldsWithThePart) {
+    HeadlessSession s;
+    Session& agent = s.session;
+    agent.ok("create_sketch", {{"plane", "XY"}});
+    agent.ok("add_line", {{"sketch", "Sketch1"}, {"x1", 0}, {"y1", 40}, {"x2", 0}, {"y2", 0}});
+    agent.ok("add_line", {{"sketch", "Sketch1"}, {"x1", 0}, {"y1", 0}, {"x2", 60}, {"y2", 0}});
+    agent.ok("sheet_flange",
+             {{"sketch", "Sketch1"}, {"thickness", 2}, {"bend_radius", 2}, {"width", 50}});
+    const double bent = agent.okJson("get_body", {{"body", "Body1"}})["measured"]["volume_mm3"];
+    agent.ok("unfold", {{"body", "Body1"}});
+    agent.ok("fold", {{"body", "Body1"}, {"open", true}});
+    agent.ok("create_sketch", {{"plane", "XZ"}});
+    agent.ok("add_circle", {{"sketch", "Sketch2"}, {"cx", -20}, {"cy", 25}, {"radius", 4}});
+    agent.ok("extrude", {{"sketch", "Sketch2"},
+                         {"distance", 10},
+                         {"operation", "cut"},
+                         {"target", "Body1"},
+                         {"extent", "symmetric"}});
+    const auto* body = s.host.document().findAs<GeometryObject>("Body1");
+    ASSERT_NE(body, nullptr);
+    EXPECT_EQ(body->features,
+              (std::vector<std::string>{"Flange1", "Unfold1", "Extrude1", "Fold1"}));
+
+    // Closed, the fold bends the part back up with the hole in it.
+    agent.ok("edit_fold", {{"feature", "Fold1"}, {"open", false}});
+    const json folded = agent.okJson("get_body", {{"body", "Body1"}})["measured"];
+    EXPECT_NEAR(bent - folded["volume_mm3"].get<double>(), 3.14159265358979 * 16 * 2, 1e-3);
+    EXPECT_EQ(folded["bounds"][1][1], 40.0); // upright again
+    // Closed, it no longer holds the end: the next feature goes after it.
+    agent.ok("create_sketch", {{"plane", "XY"}});
+    agent.ok("add_circle", {{"sketch", "Sketch3"}, {"cx", 30}, {"cy", 1}, {"radius", 1}});
+    agent.ok("extrude", {{"sketch", "Sketch3"},
+                         {"distance", -3},
+                         {"operation", "join"},
+                         {"target", "Body1"}});
+    EXPECT_EQ(body->features.back(), "Extrude2");
 }
 
 TEST(FabricationChain, NestPartsSaysWhatIsWrongAndAnswersInItsUnit) {

@@ -64,6 +64,10 @@ ParamFeatureType foldType() {
         {"Open", "Leave it flat to work on.", "open", Kind::Bool, false, {}, false, ""}};
     type.compute = flat::computeFold;
     type.dependencies = noOtherObjects;
+    // Left open, the part stays flat and what is made on it goes before the fold.
+    type.keepsLast = [](const nlohmann::json& parameters) {
+        return parameterFlag(parameters, "open", false);
+    };
     return type;
 }
 
