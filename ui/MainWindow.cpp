@@ -99,6 +99,7 @@ MainWindow::MainWindow(QWidget* parent)
     row->addWidget(viewport_, 1);
     column->addLayout(row, 1);
     setCentralWidget(central);
+    connectFlatPattern();
 
     // 5. Everything that floats over the view.
     buildOverlays();
@@ -218,6 +219,7 @@ void MainWindow::updateUndoRedo() {
     for (QAction* action : {actions_.dimension, actions_.construction, actions_.finishSketch})
         action->setEnabled(sketching);
     updateSketchActions();
+    updateFlatPatternActions();
 
     actions_.redo->setEnabled(stack_.canRedo());
     const CommandRecord* redo = stack_.redoRecord();
@@ -238,6 +240,7 @@ void MainWindow::beforeDocumentReplaced() {
     closeLooks();
     if (forms_) forms_->cancel();
     if (editingSketch()) sketchSession_->end();
+    leaveFlatPatternMode();
 }
 
 void MainWindow::afterDocumentReplaced() {

@@ -219,6 +219,21 @@ public:
     // The whole window as a PNG in the data folder's "screenshots"; the file or empty.
     QString captureWindow();
 
+    // ---- Flat patterns (MainWindowFlatPattern.cpp). Edit Flat Pattern: the selected
+    // sheet metal part (or the face of it to keep fixed) unfolds in its history, or
+    // goes back to the Unfold that left it flat, and is worked on flat (banner, finish
+    // button) until Finish Flat Pattern folds it back up. Undoing the Unfold ends it.
+    void editFlatPattern();
+    void editFlatPatternOf(const std::string& body, const std::string& face = {});
+    void finishFlatPattern();
+    bool editingFlatPattern() const { return !flatBody_.empty(); }
+    // The part being worked on flat; empty when none.
+    std::string flatPatternBody() const { return flatBody_; }
+    // Export Flat Pattern: its form on the selected part (the flat one when none is).
+    void openFlatPatternForm();
+    // A part's flat pattern as a DXF or SVG drawing ("dxf" or "svg"), asking where.
+    void exportFlatFromUser(const QString& body, const QString& format);
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -248,6 +263,17 @@ private:
     // The SHEET METAL tab's strip, its Nest Parts action, and the Nest Parts form.
     ToolStrip* buildSheetStrip(QWidget* parent);
     void buildSheetMetalActions();
+    // Export Flat Pattern, Edit Flat Pattern and Finish Flat Pattern.
+    void buildFlatPatternActions();
+    // Once the top bar and the browser exist: the finish button beside the sketch's,
+    // and the browser's flat pattern rows, menus and double-clicks.
+    void connectFlatPattern();
+    void openFlatPatternFormOn(const std::vector<std::string>& selection);
+    void enterFlatPatternMode(const std::string& body);
+    // Ends the mode as it stands, folding nothing.
+    void leaveFlatPatternMode();
+    // Finish Flat Pattern works only in its mode, which ends once the part isn't flat.
+    void updateFlatPatternActions();
     void openNestForm();
     // A body laid flat for cutting, in millimetres: its flat pattern.
     Result<drawing::Drawing> flatDrawingOf(const std::string& body) const;
@@ -402,6 +428,9 @@ private:
         QAction* sheetRules = nullptr;
         QAction* hem = nullptr;
         QAction* nestParts = nullptr;
+        QAction* flatPattern = nullptr;
+        QAction* editFlatPattern = nullptr;
+        QAction* finishFlatPattern = nullptr;
         QAction* parameters = nullptr;
         QAction* search = nullptr;
         QAction* browser = nullptr;
@@ -422,6 +451,9 @@ private:
     ToolStrip* sheetTools_ = nullptr;
     QToolButton* sheetTab_ = nullptr;
     QToolButton* finishSketchButton_ = nullptr;
+    QToolButton* finishFlatPatternButton_ = nullptr;
+    // The part worked on flat; empty when none is.
+    std::string flatBody_;
     QLabel* modeBanner_ = nullptr;
     OverlayPanel* textCard_ = nullptr;
     TextPanel* textPanel_ = nullptr;

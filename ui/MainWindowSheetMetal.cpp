@@ -1,6 +1,6 @@
-// The SHEET METAL tab: its strip (flanges, hems, converting a body, the tools shared
-// with SOLID) and Nest Parts, which lays the chosen bodies flat and saves their
-// nest as one drawing.
+// The SHEET METAL tab: its strip (flanges, hems, converting a body, flat patterns, the
+// tools shared with SOLID) and Nest Parts, which lays the chosen bodies flat and saves
+// their nest as one drawing.
 #include "ui/MainWindow.h"
 
 #include "mcp/FlatTools.h"
@@ -17,6 +17,7 @@
 namespace cad::ui {
 
 void MainWindow::buildSheetMetalActions() {
+    buildFlatPatternActions();
     actions_.nestParts = makeWindowAction(
         QStringLiteral("nest"), QStringLiteral("Nest Parts"), QStringLiteral("nestParts"),
         QStringLiteral("Lay parts out on sheets and save them for cutting"));
@@ -35,8 +36,11 @@ ToolStrip* MainWindow::buildSheetStrip(QWidget* parent) {
         QStringLiteral("sheet.modify"), QStringLiteral("MODIFY"),
         {a.patternRect, a.patternCirc, a.mirror, a.appearance, a.material, a.remove, a.parameters},
         {QStringLiteral("Rectangular Pattern"), QStringLiteral("Mirror")}));
-    strip->addGroup(new ToolGroup(QStringLiteral("sheet.make"), QStringLiteral("MAKE"),
-                                  {a.nestParts}, {QStringLiteral("Nest Parts")}));
+    strip->addGroup(
+        new ToolGroup(QStringLiteral("sheet.make"), QStringLiteral("MAKE"),
+                      {a.editFlatPattern, a.flatPattern, a.nestParts},
+                      {QStringLiteral("Edit Flat Pattern"), QStringLiteral("Export Flat Pattern"),
+                       QStringLiteral("Nest Parts")}));
     strip->addGroup(new ToolGroup(QStringLiteral("sheet.inspect"), QStringLiteral("INSPECT"),
                                   {a.section}, {QStringLiteral("Section Analysis")}));
     strip->hide();

@@ -1,6 +1,7 @@
 // The browser's rows follow the document: observer calls only note what changed,
 // and one pass, when control returns to the event loop, puts rows where they belong
-// (moving as few as it can) and rewrites the rows of the objects that changed.
+// (moving as few as it can) and rewrites the rows of the objects that changed. A
+// sheet metal body's "Flat Pattern" row is no object: it stays its body's last row.
 #include "ui/panels/ObjectBrowser.h"
 
 #include "ui/panels/PendingChanges.h"
@@ -33,9 +34,21 @@ namespace cad::ui {
 namespace {
 
 constexpr int kEyeWidth = 26;
+// A "Flat Pattern" row holds its body's ID here; other rows hold nothing.
+constexpr int kFlatPatternRole = Qt::UserRole + 8;
 
 std::uint64_t serialOf(const QTreeWidgetItem* item) {
     return item->data(0, kSerialRole).toULongLong();
+}
+
+QString flatPatternBody(const QTreeWidgetItem* item) {
+    return item ? item->data(0, kFlatPatternRole).toString() : QString();
+}
+
+QTreeWidgetItem* flatPatternRowUnder(const QTreeWidgetItem* parent) {
+    const int count = parent ? parent->childCount() : 0;
+    QTreeWidgetItem* last = count > 0 ? parent->child(count - 1) : nullptr;
+    return flatPatternBody(last).isEmpty() ? nullptr : last;
 }
 
 bool isEditable(const DocumentObject& object) {
@@ -52,7 +65,8 @@ struct BrowserRows {
     std::vector<QTreeWidgetItem*>& loose;
     std::vector<QTreeWidgetItem*>& placed;
 
-    int count() const { return parent->childCount(); }
+    // The object rows: a body's flat pattern row after them takes no part.
+    int count() const { return parent->childCount() - (flatPatternRowUnder(parent) ? 1 : 0); }
     std::uint64_t keyAt(int i) const { return serialOf(parent->child(i)); }
     void takeAt(int i) { loose.push_back(parent->takeChild(i)); }
     void insertAt(int i, std::uint64_t serial) {
@@ -134,6 +148,15 @@ QTreeWidgetItem* ObjectBrowser::itemFor(std::string_view id) const {
     return object ? rows_.value(object->serial) : nullptr;
 }
 
+QTreeWidgetItem* ObjectBrowser::flatPatternItem(std::string_view body) const {
+    return flatPatternRowUnder(itemFor(body));
+}
+
+void ObjectBrowser::setFlatPatternState(std::function<FlatPattern(const DocumentObject&)> state) {
+    flatPatternState_ = std::move(state);
+    refresh();
+}
+
 DocumentObject* ObjectBrowser::objectOf(const QTreeWidgetItem* item) const {
     const std::uint64_t serial = item ? serialOf(item) : 0;
     return serial ? document_.findBySerial(serial) : nullptr;
@@ -210,6 +233,11 @@ void ObjectBrowser::refresh() {
     }
     for (std::size_t i = 0; i < outermost; ++i) delete gone[i];
 
+    // Whether a body is sheet metal, or worked on flat, may change with any command
+    // or without one: every body's flat pattern row is checked.
+    for (const auto& [body, features] : bodies)
+        if (QTreeWidgetItem* row = rows_.value(body)) updateFlatPatternRow(row, *bySerial[body]);
+
     // A row that moved comes back as open or closed as it was; bodies start closed.
     for (QTreeWidgetItem* item : placed) {
         item->setExpanded(expanded_.contains(serialOf(item)));
@@ -261,6 +289,27 @@ void ObjectBrowser::updateRow(QTreeWidgetItem* item, const DocumentObject& objec
     item->setToolTip(kEyeColumn, object.visible ? QStringLiteral("Hide") : QStringLiteral("Show"));
 }
 
+void ObjectBrowser::updateFlatPatternRow(QTreeWidgetItem* bodyRow, const DocumentObject& body) {
+    const FlatPattern state = flatPatternState_ ? flatPatternState_(body) : FlatPattern::None;
+    QTreeWidgetItem* row = flatPatternRowUnder(bodyRow);
+    if (state == FlatPattern::None) {
+        delete row;
+        return;
+    }
+    if (!row) {
+        row = new QTreeWidgetItem;
+        row->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+        row->setIcon(0, icon(QStringLiteral("flat-pattern")));
+        bodyRow->addChild(row);
+    }
+    row->setData(0, kFlatPatternRole, fromStd(body.id));
+    const bool editing = state == FlatPattern::Editing;
+    row->setText(0, editing ? QStringLiteral("Flat Pattern  (editing)")
+                            : QStringLiteral("Flat Pattern"));
+    row->setToolTip(0, editing ? QStringLiteral("Double-click to fold it back up")
+                               : QStringLiteral("Double-click to work on it flat"));
+}
+
 void ObjectBrowser::updateFolderEye(QTreeWidgetItem* folder, bool anyVisible) {
     folder->setIcon(kEyeColumn,
                     icon(anyVisible ? QStringLiteral("eye") : QStringLiteral("eye-off")));
@@ -272,8 +321,11 @@ void ObjectBrowser::updateFolderEye(QTreeWidgetItem* folder, bool anyVisible) {
 
 QStringList ObjectBrowser::selectedObjects() const {
     QSet<std::uint64_t> selected;
-    for (const QTreeWidgetItem* item : selectedItems())
-        if (const std::uint64_t serial = serialOf(item)) selected.insert(serial);
+    for (const QTreeWidgetItem* item : selectedItems()) {
+        // A flat pattern row stands for its body.
+        const QTreeWidgetItem* row = flatPatternBody(item).isEmpty() ? item : item->parent();
+        if (const std::uint64_t serial = row ? serialOf(row) : 0) selected.insert(serial);
+    }
     QStringList ids;
     for (const auto& object : document_.objects())
         if (selected.contains(object->serial)) ids.append(fromStd(object->id));
@@ -318,6 +370,13 @@ void ObjectBrowser::toggleVisibility(QTreeWidgetItem* item) {
 }
 
 QMenu* ObjectBrowser::contextMenuFor(QTreeWidgetItem* item, QWidget* parent) {
+    if (const QString body = flatPatternBody(item); !body.isEmpty()) {
+        const DocumentObject* object = document_.find(body.toStdString());
+        if (!object || !flatPatternState_) return nullptr;
+        auto* menu = new QMenu(parent);
+        addFlatPatternEntries(menu, body, flatPatternState_(*object));
+        return menu;
+    }
     const DocumentObject* object = objectOf(item);
     if (!object) return nullptr;
     const QString id = fromStd(object->id);
@@ -342,6 +401,9 @@ QMenu* ObjectBrowser::contextMenuFor(QTreeWidgetItem* item, QWidget* parent) {
         connect(appearance, &QAction::triggered, this,
                 [this, id] { emit appearanceRequested(id); });
     }
+    if (flatPatternState_ && dynamic_cast<const GeometryObject*>(object))
+        if (const FlatPattern state = flatPatternState_(*object); state != FlatPattern::None)
+            addFlatPatternEntries(menu, id, state);
     // A body with a shape can go out on its own to other software.
     if (const auto* body = dynamic_cast<const GeometryObject*>(object);
         body && !body->shape.shape().IsNull()) {
@@ -375,6 +437,27 @@ QMenu* ObjectBrowser::contextMenuFor(QTreeWidgetItem* item, QWidget* parent) {
     return menu;
 }
 
+void ObjectBrowser::addFlatPatternEntries(QMenu* menu, const QString& body, FlatPattern state) {
+    const bool editing = state == FlatPattern::Editing;
+    QAction* mode = menu->addAction(
+        icon(editing ? QStringLiteral("check") : QStringLiteral("flat-pattern")),
+        editing ? QStringLiteral("Finish Flat Pattern") : QStringLiteral("Edit Flat Pattern"));
+    mode->setObjectName(editing ? QStringLiteral("finishFlatPatternRow")
+                                : QStringLiteral("editFlatPatternRow"));
+    connect(mode, &QAction::triggered, this,
+            [this, body, editing] { emit flatPatternEditRequested(body, !editing); });
+    for (const auto& [text, name, format] :
+         {std::tuple{"Export Flat Pattern...", "exportFlatPatternRow", "form"},
+          std::tuple{"Export Flat as DXF...", "exportFlatDxf", "dxf"},
+          std::tuple{"Export Flat as SVG...", "exportFlatSvg", "svg"}}) {
+        QAction* exportFlat = menu->addAction(QString::fromLatin1(text));
+        exportFlat->setObjectName(QString::fromLatin1(name));
+        connect(
+            exportFlat, &QAction::triggered, this,
+            [this, body, f = QString::fromLatin1(format)] { emit flatExportRequested(body, f); });
+    }
+}
+
 void ObjectBrowser::editRow(QTreeWidgetItem* item) {
     const DocumentObject* object = objectOf(item);
     if (!object) return;
@@ -398,6 +481,10 @@ void ObjectBrowser::deleteRows(QTreeWidgetItem* item) {
 
 void ObjectBrowser::onDoubleClicked(QTreeWidgetItem* item, int column) {
     if (column == kEyeColumn) return;
+    if (const QString body = flatPatternBody(item); !body.isEmpty()) {
+        emit flatPatternToggled(body);
+        return;
+    }
     const DocumentObject* object = objectOf(item);
     if (object && isEditable(*object)) editRow(item);
 }

@@ -1,8 +1,8 @@
 // The browser: every object of the document in folders under the document's row,
 // with an eye to show or hide each object (or a whole folder), selection that
-// follows into the view, and a context menu to edit, rename, give a material or an
-// appearance,
-// export a body, and delete.
+// follows into the view, a "Flat Pattern" row under each sheet metal body, and a
+// context menu to edit, rename, give a material or an appearance, work on a part
+// flat or export its flat pattern, export a body, and delete.
 #pragma once
 
 #include "ui/panels/PanelHooks.h"
@@ -14,6 +14,7 @@
 #include <QTreeWidget>
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 class QMenu;
@@ -61,6 +62,12 @@ public:
     // The context menu of a row (null when the row has none); the caller owns it.
     QMenu* contextMenuFor(QTreeWidgetItem* item, QWidget* parent = nullptr);
 
+    // What a body's "Flat Pattern" row shows: none (it isn't sheet metal), the row, or
+    // the row of the part being worked on flat. Without this no body has the row.
+    enum class FlatPattern { None, Folded, Editing };
+    void setFlatPatternState(std::function<FlatPattern(const DocumentObject& body)> state);
+    // The "Flat Pattern" row under a body; null when it has none.
+    QTreeWidgetItem* flatPatternItem(std::string_view body) const;
 
 signals:
     // The selected object rows changed (IDs, top to bottom).
@@ -74,6 +81,13 @@ signals:
     // "Save as Footprint..." ("footprint"), "Export as DXF..." ("dxf") and "Export as
     // SVG..." ("svg") on a sketch row.
     void exportRequested(const QString& id, const QString& format);
+    // A double-click on a body's "Flat Pattern" row: work on it flat, or fold it back up.
+    void flatPatternToggled(const QString& body);
+    // "Edit Flat Pattern" (true) and "Finish Flat Pattern" (false) on a body or its row.
+    void flatPatternEditRequested(const QString& body, bool edit);
+    // "Export Flat Pattern..." ("form"), "Export Flat as DXF..." ("dxf") and "Export
+    // Flat as SVG..." ("svg").
+    void flatExportRequested(const QString& body, const QString& format);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -86,6 +100,9 @@ private:
     QTreeWidgetItem* makeItem(std::uint64_t serial);
     void updateRow(QTreeWidgetItem* item, const DocumentObject& object);
     void updateFolderEye(QTreeWidgetItem* folder, bool anyVisible);
+    // Adds, rewrites or removes the body row's "Flat Pattern" row, always its last child.
+    void updateFlatPatternRow(QTreeWidgetItem* bodyRow, const DocumentObject& body);
+    void addFlatPatternEntries(QMenu* menu, const QString& body, FlatPattern state);
     void editRow(QTreeWidgetItem* item);
     void deleteRows(QTreeWidgetItem* item);
     void onDoubleClicked(QTreeWidgetItem* item, int column);
@@ -98,6 +115,7 @@ private:
     QHash<QString, QTreeWidgetItem*> folders_;
     QHash<std::uint64_t, QTreeWidgetItem*> rows_; // by serial
     QSet<std::uint64_t> expanded_;                // rows the user opened
+    std::function<FlatPattern(const DocumentObject&)> flatPatternState_;
     // What the document changed since the last refresh, which runs once they stop.
     PendingChanges* changes_;
 };
