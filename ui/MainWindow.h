@@ -10,6 +10,7 @@
 #include "core/CommandStack.h"
 #include "core/Document.h"
 #include "core/Result.h"
+#include "geometry/sheet/flat/FlatPattern.h"
 #include "sketch/drawing/Drawing.h"
 #endif
 #include "ui/WindowPrompt.h"
@@ -233,6 +234,9 @@ public:
     void openFlatPatternForm();
     // A part's flat pattern as a DXF or SVG drawing ("dxf" or "svg"), asking where.
     void exportFlatFromUser(const QString& body, const QString& format);
+    // Export Flat: the selected body laid flat (seen square to the flat face selected,
+    // else its largest), as a DXF or SVG drawing, asking where.
+    void exportFlatFromSelection();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -275,6 +279,9 @@ private:
     // Finish Flat Pattern works only in its mode, which ends once the part isn't flat.
     void updateFlatPatternActions();
     void openNestForm();
+    // Writes a flat pattern where the user says, or says why it can't.
+    void writeFlatFromUser(const QString& name, const Result<flat::FlatPattern>& pattern,
+                           const QString& format);
     // A body laid flat for cutting, in millimetres: its flat pattern.
     Result<drawing::Drawing> flatDrawingOf(const std::string& body) const;
     // The strip of the design tab chosen (SOLID or SHEET METAL), shown when no sketch
@@ -428,6 +435,7 @@ private:
         QAction* sheetRules = nullptr;
         QAction* hem = nullptr;
         QAction* nestParts = nullptr;
+        QAction* exportFlat = nullptr;
         QAction* flatPattern = nullptr;
         QAction* editFlatPattern = nullptr;
         QAction* finishFlatPattern = nullptr;

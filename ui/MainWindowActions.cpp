@@ -425,6 +425,9 @@ QWidget* MainWindow::buildTopBar() {
          actions_.parameters},
         {QStringLiteral("Fillet"), QStringLiteral("Chamfer"), QStringLiteral("Shell"),
          QStringLiteral("Rectangular Pattern")}));
+    modelingTools_->addGroup(new ToolGroup(
+        QStringLiteral("model.make"), QStringLiteral("MAKE"), {actions_.exportFlat, actions_.nestParts},
+        {QStringLiteral("Export Flat"), QStringLiteral("Nest Parts")}));
     modelingTools_->addGroup(new ToolGroup(QStringLiteral("model.inspect"),
                                            QStringLiteral("INSPECT"), {actions_.section},
                                            {QStringLiteral("Section Analysis")}));

@@ -227,8 +227,25 @@ void MainWindow::openFlatPatternFormOn(const std::vector<std::string>& selection
 void MainWindow::exportFlatFromUser(const QString& body, const QString& format) {
     const auto* part = document_.findAs<GeometryObject>(body.toStdString());
     const QString name = part ? QString::fromStdString(part->displayName()) : body;
+    writeFlatFromUser(name, sheetFlatPattern(document_, body.toStdString(), {}), format);
+}
+
+void MainWindow::exportFlatFromSelection() {
+    const std::optional<FlatSelection> chosen = flatSelection(document_, selectedReferences());
+    const auto* part = chosen ? document_.findAs<GeometryObject>(chosen->body) : nullptr;
+    if (!part) {
+        showToast(QStringLiteral("Select a body (or the face to look at), then Export Flat."));
+        return;
+    }
+    flat::FlatOptions options;
+    options.face = chosen->face;
+    writeFlatFromUser(QString::fromStdString(part->displayName()),
+                      flat::flatPattern(document_, *part, options), QStringLiteral("dxf"));
+}
+
+void MainWindow::writeFlatFromUser(const QString& name, const Result<flat::FlatPattern>& pattern,
+                                   const QString& format) {
     const QString title = QStringLiteral("Export %1 flat").arg(name);
-    Result<flat::FlatPattern> pattern = sheetFlatPattern(document_, body.toStdString(), {});
     Result<QString> saved =
         pattern ? saveFlatPattern(document_, *pattern, name, format, title,
                                   [this](const QString& caption, const QString& proposed,

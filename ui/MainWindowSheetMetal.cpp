@@ -22,6 +22,10 @@ void MainWindow::buildSheetMetalActions() {
         QStringLiteral("nest"), QStringLiteral("Nest Parts"), QStringLiteral("nestParts"),
         QStringLiteral("Lay parts out on sheets and save them for cutting"));
     connect(actions_.nestParts, &QAction::triggered, this, &MainWindow::openNestForm);
+    actions_.exportFlat = makeWindowAction(
+        QStringLiteral("flat"), QStringLiteral("Export Flat"), QStringLiteral("exportFlat"),
+        QStringLiteral("Save a flat part, seen square to it, for laser or CNC"));
+    connect(actions_.exportFlat, &QAction::triggered, this, &MainWindow::exportFlatFromSelection);
 }
 
 ToolStrip* MainWindow::buildSheetStrip(QWidget* parent) {

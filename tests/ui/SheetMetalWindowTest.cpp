@@ -5,6 +5,7 @@
 
 #include "ui/forms/FeatureForm.h"
 #include "ui/forms/FormController.h"
+#include "ui/presentation/DocumentPresenter.h"
 #include "ui/widgets/ToolGroup.h"
 #include "ui/widgets/ToolStrip.h"
 
@@ -85,6 +86,19 @@ TEST_F(SheetMetalWindowTest, TheTabSwapsTheStripAndNestPartsSavesTheSheets) {
     QFile file(folder.path() + "/cut.dxf");
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_TRUE(file.readAll().contains("\nSHEET\n"));
+    // SOLID's MAKE group lays any flat body out too: with nothing selected it says
+    // what to select; a cube seen square to its largest face is a 10 mm square.
+    EXPECT_EQ(groupActions("model.make"), (QStringList{"Export Flat", "Nest Parts"}));
+    window->presenter().selectObjects({});
+    window->findChild<QAction*>(QStringLiteral("exportFlat"))->trigger();
+    EXPECT_EQ(window->toastLabel().text(),
+              QStringLiteral("Select a body (or the face to look at), then Export Flat."));
+    window->presenter().selectObjects({"Box1"});
+    prompts.saveAnswer = folder.path() + "/square.dxf";
+    window->findChild<QAction*>(QStringLiteral("exportFlat"))->trigger();
+    EXPECT_EQ(window->toastLabel().text(), QStringLiteral("Exported square.dxf  ·  10 x 10 mm"));
+    EXPECT_TRUE(QFile::exists(folder.path() + "/square.dxf"));
+
     // The rows are remembered for the next nest.
     EXPECT_EQ(QSettings().value("nest/width").toDouble(), 50);
     EXPECT_EQ(QSettings().value("nest/format").toString(), QStringLiteral("dxf"));
