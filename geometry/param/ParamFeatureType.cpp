@@ -20,6 +20,19 @@ bool hasKey(const FeatureArguments& table, std::string_view key) {
 
 } // namespace
 
+ParamFeatureType paramFeatureKind(const char* typeId, const char* nameBase, const char* command,
+                                  const char* label, const char* formId,
+                                  const char* description) {
+    ParamFeatureType type;
+    type.typeId = typeId;
+    type.nameBase = nameBase;
+    type.command = command;
+    type.label = label;
+    type.formId = formId;
+    type.description = description;
+    return type;
+}
+
 bool ParamFeatureTypes::add(ParamFeatureType type) {
     if (find(type.typeId) || (!type.command.empty() && findByCommand(type.command))) return false;
     types_.push_back(std::move(type));

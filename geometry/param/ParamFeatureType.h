@@ -52,6 +52,11 @@ struct ParamFeatureType {
     std::string targetDescription;
 };
 
+// A kind with its names, form and description filled in; the caller adds the rest.
+ParamFeatureType paramFeatureKind(const char* typeId, const char* nameBase, const char* command,
+                                  const char* label, const char* formId,
+                                  const char* description);
+
 class ParamFeatureTypes {
 public:
     // False (and nothing added) when the type id or the command is taken already.

@@ -15,20 +15,8 @@ namespace {
 
 using Kind = FeatureArgument::Kind;
 
-ParamFeatureType kind(const char* typeId, const char* nameBase, const char* command,
-                      const char* label, const char* formId, const char* description) {
-    ParamFeatureType type;
-    type.typeId = typeId;
-    type.nameBase = nameBase;
-    type.command = command;
-    type.label = label;
-    type.formId = formId;
-    type.description = description;
-    return type;
-}
-
 ParamFeatureType splitType() {
-    ParamFeatureType type = kind(
+    ParamFeatureType type = paramFeatureKind(
         "SplitBody", "Split", "split_body", "Split", "split",
         "Split a body with a plane or a face, keeping the piece nearest `keep` (default: the "
         "largest). The others can become bodies of their own with split_piece. extend (default "
@@ -41,7 +29,8 @@ ParamFeatureType splitType() {
          false,
          {},
          {},
-         "", FeatureArgument::Planes | FeatureArgument::Faces},
+         "",
+         FeatureArgument::Planes | FeatureArgument::Faces},
         {"Extend",
          "Grow the tool face over its whole surface first (default true).",
          "extend",
@@ -83,10 +72,10 @@ ParamFeatureType splitType() {
 }
 
 ParamFeatureType splitPieceType() {
-    ParamFeatureType type =
-        kind("SplitPiece", "Piece", "split_piece", "Split Piece", "split",
-             "Make another piece of a split (split_body) into a body of its own: the piece "
-             "whose centre is nearest `at`.");
+    ParamFeatureType type = paramFeatureKind(
+        "SplitPiece", "Piece", "split_piece", "Split Piece", "split",
+        "Make another piece of a split (split_body) into a body of its own: the piece "
+        "whose centre is nearest `at`.");
     type.makesNewSolid = true;
     type.arguments = {
         {"Split",
@@ -104,7 +93,8 @@ ParamFeatureType splitPieceType() {
          true,
          {},
          {},
-         "", FeatureArgument::Bodies},
+         "",
+         FeatureArgument::Bodies},
         {"At",
          "\"x,y,z\" (mm): the piece whose centre is nearest.",
          "at",
@@ -119,14 +109,22 @@ ParamFeatureType splitPieceType() {
 }
 
 ParamFeatureType combineType() {
-    ParamFeatureType type =
-        kind("Combine", "Combine", "combine", "Combine", "combine",
-             "Join, cut or intersect a body (target) with other bodies (the tools). A cut can "
-             "leave a clearance round the tools. Without keep, hide the tools afterwards: "
-             "they're used up.");
+    ParamFeatureType type = paramFeatureKind(
+        "Combine", "Combine", "combine", "Combine", "combine",
+        "Join, cut or intersect a body (target) with other bodies (the tools). A cut can "
+        "leave a clearance round the tools. Without keep, hide the tools afterwards: "
+        "they're used up.");
     type.bodyKey = "target";
     type.arguments = {
-        {"Target", "The body that changes.", "target", Kind::Text, true, {}, {}, "body", FeatureArgument::Bodies},
+        {"Target",
+         "The body that changes.",
+         "target",
+         Kind::Text,
+         true,
+         {},
+         {},
+         "body",
+         FeatureArgument::Bodies},
         {"Tools",
          "The other bodies, separated by ';'.",
          "tools",
@@ -134,7 +132,8 @@ ParamFeatureType combineType() {
          false,
          {},
          {},
-         "", FeatureArgument::Bodies},
+         "",
+         FeatureArgument::Bodies},
         {"Operation",
          "join (default), cut or intersect.",
          "operation",
@@ -168,7 +167,8 @@ ParamFeatureType combineType() {
          false,
          {},
          {},
-         "", FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
+         "",
+         FeatureArgument::Axes | FeatureArgument::Edges | FeatureArgument::SketchCurves},
         {"Keep tools", "Keep the tool bodies.", "keep", Kind::Bool, false, {}, false, ""},
     };
     type.compute = computeCombine;
@@ -176,10 +176,10 @@ ParamFeatureType combineType() {
 }
 
 ParamFeatureType deleteFacesType() {
-    ParamFeatureType type =
-        kind("DeleteFaces", "DeleteFaces", "delete_faces", "Delete Faces", "delete-face",
-             "Delete faces from a body, the faces around them growing or shrinking to close the "
-             "gap (taking a fillet, a boss or a pocket back off).");
+    ParamFeatureType type = paramFeatureKind(
+        "DeleteFaces", "DeleteFaces", "delete_faces", "Delete Faces", "delete-face",
+        "Delete faces from a body, the faces around them growing or shrinking to close the "
+        "gap (taking a fillet, a boss or a pocket back off).");
     type.arguments = {{"Faces",
                        "Faces of the body, separated by ';'.",
                        "faces",
@@ -187,7 +187,8 @@ ParamFeatureType deleteFacesType() {
                        false,
                        {},
                        {},
-                       "", FeatureArgument::Faces}};
+                       "",
+                       FeatureArgument::Faces}};
     type.compute = computeDeleteFaces;
     type.dependencies = deleteFacesDependencies;
     return type;
@@ -199,11 +200,11 @@ FeatureArguments frozenArguments() {
 }
 
 ParamFeatureType frozenType() {
-    ParamFeatureType type =
-        kind("Frozen", "Frozen", "frozen", "Frozen", "",
-             "Replace a body's shape with a fixed one (OCCT BRep text): a step brought in from "
-             "another program that couldn't be rebuilt here, as that program made it. Changes "
-             "earlier in the history don't reach past it.");
+    ParamFeatureType type = paramFeatureKind(
+        "Frozen", "Frozen", "frozen", "Frozen", "",
+        "Replace a body's shape with a fixed one (OCCT BRep text): a step brought in from "
+        "another program that couldn't be rebuilt here, as that program made it. Changes "
+        "earlier in the history don't reach past it.");
     type.arguments = frozenArguments();
     type.compute = computeFrozen;
     return type;
@@ -211,8 +212,8 @@ ParamFeatureType frozenType() {
 
 ParamFeatureType frozenBodyType() {
     ParamFeatureType type =
-        kind("FrozenBody", "Frozen", "frozen_body", "Frozen Body", "",
-             "A new body with a fixed shape (OCCT BRep text), as frozen but new.");
+        paramFeatureKind("FrozenBody", "Frozen", "frozen_body", "Frozen Body", "",
+                         "A new body with a fixed shape (OCCT BRep text), as frozen but new.");
     type.makesNewSolid = true;
     type.arguments = frozenArguments();
     type.compute = computeFrozen;
@@ -220,11 +221,11 @@ ParamFeatureType frozenBodyType() {
 }
 
 ParamFeatureType mirrorBodyType() {
-    ParamFeatureType type =
-        kind("MirrorBody", "Mirror", "mirror_body", "Mirror Body", "mirror3d",
-             "A body mirrored across a plane, as a new body that follows the original (or "
-             "joined/cut into a target). The source can be a body or a placed component "
-             "(\"Component1:1\"), for an opposite-hand copy.");
+    ParamFeatureType type = paramFeatureKind(
+        "MirrorBody", "Mirror", "mirror_body", "Mirror Body", "mirror3d",
+        "A body mirrored across a plane, as a new body that follows the original (or "
+        "joined/cut into a target). The source can be a body or a placed component "
+        "(\"Component1:1\"), for an opposite-hand copy.");
     type.makesNewSolid = true;
     type.arguments = {
         {"Source",
@@ -234,7 +235,8 @@ ParamFeatureType mirrorBodyType() {
          false,
          {},
          {},
-         "", FeatureArgument::Bodies},
+         "",
+         FeatureArgument::Bodies},
         {"Plane",
          "The mirror plane: XY/XZ/YZ, a reference plane or a flat face.",
          "plane",
@@ -242,7 +244,8 @@ ParamFeatureType mirrorBodyType() {
          false,
          {},
          {},
-         "", FeatureArgument::Planes | FeatureArgument::Faces},
+         "",
+         FeatureArgument::Planes | FeatureArgument::Faces},
     };
     type.compute = computeMirrorBody;
     return type;

@@ -3,6 +3,8 @@
 // through a flat face turned the other way.
 #include "geometry/sheet/flat/SheetFaces.h"
 
+#include "geometry/sheet/metal/SheetThickness.h"
+
 #include <BRepAdaptor_Surface.hxx>
 #include <BRepClass3d_SolidClassifier.hxx>
 #include <BRepClass_FaceClassifier.hxx>
@@ -32,19 +34,9 @@ constexpr double kInset = 1e-4;
 // The first face a ray from inside the solid meets, and how far away.
 std::optional<FaceAcross> firstFaceMet(IntCurvesFace_ShapeIntersector& hits, const gp_Pnt& from,
                                        const gp_Dir& direction) {
-    hits.Perform(gp_Lin(from, direction), 0, std::numeric_limits<double>::max());
-    if (!hits.IsDone()) return std::nullopt;
-    int nearest = 0;
-    double distance = std::numeric_limits<double>::max();
-    for (int i = 1; i <= hits.NbPnt(); ++i) {
-        const double w = hits.WParameter(i);
-        if (w > 1e-9 && w < distance) {
-            distance = w;
-            nearest = i;
-        }
-    }
-    if (nearest == 0) return std::nullopt;
-    return FaceAcross{hits.Face(nearest), distance};
+    const std::optional<sheet::FaceMet> met = sheet::firstFaceMet(hits, from, direction);
+    if (!met) return std::nullopt;
+    return FaceAcross{met->face, met->distance};
 }
 
 } // namespace

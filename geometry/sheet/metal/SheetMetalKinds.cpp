@@ -12,18 +12,6 @@ namespace {
 
 using Kind = FeatureArgument::Kind;
 
-ParamFeatureType kind(const char* typeId, const char* nameBase, const char* command,
-                      const char* label, const char* formId, const char* description) {
-    ParamFeatureType type;
-    type.typeId = typeId;
-    type.nameBase = nameBase;
-    type.command = command;
-    type.label = label;
-    type.formId = formId;
-    type.description = description;
-    return type;
-}
-
 FeatureArgument bendRadius(const char* description) {
     return {"Bend radius", description, "bend_radius", Kind::Length, false, {}, 0.0, ""};
 }
@@ -90,7 +78,7 @@ void addEdgeEnds(FeatureArguments& table, const char* offsetStart, const char* o
 }
 
 ParamFeatureType sheetFlangeType() {
-    ParamFeatureType type = kind(
+    ParamFeatureType type = paramFeatureKind(
         "SheetFlange", "Flange", "sheet_flange", "Flange", "sheet-flange",
         "Start a sheet metal part, setting its rules (thickness, bend radius, K-factor): a closed "
         "sketch makes a flat plate the thickness; an open profile of lines (an L, a U, a hat) "
@@ -148,11 +136,11 @@ ParamFeatureType sheetFlangeType() {
 }
 
 ParamFeatureType edgeFlangeType() {
-    ParamFeatureType type =
-        kind("EdgeFlange", "EdgeFlange", "edge_flange", "Edge Flange", "edge-flange",
-             "Add a flange on a straight edge of a sheet metal part: a bend (the part's radius) "
-             "and a flat wall `length` past it, the edge's full length, bent toward the side of "
-             "the face the edge is on (flip: the other way).");
+    ParamFeatureType type = paramFeatureKind(
+        "EdgeFlange", "EdgeFlange", "edge_flange", "Edge Flange", "edge-flange",
+        "Add a flange on a straight edge of a sheet metal part: a bend (the part's radius) "
+        "and a flat wall `length` past it, the edge's full length, bent toward the side of "
+        "the face the edge is on (flip: the other way).");
     type.arguments = {
         edgeArgument("A straight edge along the sheet's outside, e.g. \"Body1/Edge(Flange1.end, "
                      "Flange1.side.Line3)\"."),
@@ -175,12 +163,12 @@ ParamFeatureType edgeFlangeType() {
 }
 
 ParamFeatureType sheetRulesType() {
-    ParamFeatureType type =
-        kind("SheetRules", "SheetMetal", "sheet_rules", "Sheet Metal", "sheet-rules",
-             "Make a body sheet metal without changing its shape (a plate made by extruding, an "
-             "imported part): give it rules for edge flanges and its flat pattern. Thickness 0 is "
-             "measured; bend radius 0 is the thickness; leave out k_factor to use the body's "
-             "material's.");
+    ParamFeatureType type = paramFeatureKind(
+        "SheetRules", "SheetMetal", "sheet_rules", "Sheet Metal", "sheet-rules",
+        "Make a body sheet metal without changing its shape (a plate made by extruding, an "
+        "imported part): give it rules for edge flanges and its flat pattern. Thickness 0 is "
+        "measured; bend radius 0 is the thickness; leave out k_factor to use the body's "
+        "material's.");
     type.arguments = {
         lengthArgument("Thickness", "The sheet's thickness (0: measured).", "thickness", 0.0),
         bendRadius("Inner bend radius (0: the thickness)."),
@@ -201,11 +189,11 @@ ParamFeatureType sheetRulesType() {
 }
 
 ParamFeatureType hemType() {
-    ParamFeatureType type =
-        kind("Hem", "Hem", "hem", "Hem", "hem",
-             "Fold a straight edge of a sheet metal part right back over the sheet: a hem, "
-             "`length` long, `gap` off the sheet (0: closed, as tight as it folds). Flip folds it "
-             "under instead.");
+    ParamFeatureType type = paramFeatureKind(
+        "Hem", "Hem", "hem", "Hem", "hem",
+        "Fold a straight edge of a sheet metal part right back over the sheet: a hem, "
+        "`length` long, `gap` off the sheet (0: closed, as tight as it folds). Flip folds it "
+        "under instead.");
     type.arguments = {
         edgeArgument("A straight edge along the sheet's outside."),
         lengthArgument("Length", "The folded-back part, past the fold (default 10 mm).", "length",

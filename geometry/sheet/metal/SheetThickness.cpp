@@ -63,6 +63,23 @@ std::optional<gp_Dir> flatFaceNormal(const TopoDS_Face& face) {
     return normal;
 }
 
+std::optional<FaceMet> firstFaceMet(IntCurvesFace_ShapeIntersector& hits, const gp_Pnt& from,
+                                    const gp_Dir& direction) {
+    hits.Perform(gp_Lin(from, direction), 0, std::numeric_limits<double>::max());
+    if (!hits.IsDone()) return std::nullopt;
+    int nearest = 0;
+    double distance = std::numeric_limits<double>::max();
+    for (int i = 1; i <= hits.NbPnt(); ++i) {
+        const double w = hits.WParameter(i);
+        if (w > 1e-9 && w < distance) {
+            distance = w;
+            nearest = i;
+        }
+    }
+    if (nearest == 0) return std::nullopt;
+    return FaceMet{hits.Face(nearest), distance};
+}
+
 std::optional<double> distanceAcross(const TopoDS_Shape& shape, const gp_Pnt& from,
                                      const gp_Dir& direction) {
     try {
@@ -70,22 +87,12 @@ std::optional<double> distanceAcross(const TopoDS_Shape& shape, const gp_Pnt& fr
         if (inside.State() != TopAbs_IN) return std::nullopt;
         IntCurvesFace_ShapeIntersector hits;
         hits.Load(shape, 1e-7);
-        hits.Perform(gp_Lin(from, direction), 0, std::numeric_limits<double>::max());
-        if (!hits.IsDone()) return std::nullopt;
-        int nearest = 0;
-        double distance = std::numeric_limits<double>::max();
-        for (int i = 1; i <= hits.NbPnt(); ++i) {
-            const double w = hits.WParameter(i);
-            if (w > 1e-9 && w < distance) {
-                distance = w;
-                nearest = i;
-            }
-        }
-        if (nearest == 0) return std::nullopt;
-        const std::optional<gp_Dir> normal = flatFaceNormal(hits.Face(nearest));
+        const std::optional<FaceMet> met = firstFaceMet(hits, from, direction);
+        if (!met) return std::nullopt;
+        const std::optional<gp_Dir> normal = flatFaceNormal(met->face);
         if (!normal || !normal->IsParallel(direction, 1e-6) || normal->Dot(direction) < 0)
             return std::nullopt;
-        return distance;
+        return met->distance;
     } catch (const Standard_Failure&) {
         return std::nullopt;
     }

@@ -11,10 +11,21 @@
 
 #include <optional>
 
+class IntCurvesFace_ShapeIntersector;
+
 namespace cad::sheet {
 
 // The outward normal of a flat face as it lies in its shape; none for a curved face.
 std::optional<gp_Dir> flatFaceNormal(const TopoDS_Face& face);
+
+// Along the ray from `from` in `direction`, the first face the loaded intersector
+// meets past its start, and how far away; none when it meets nothing.
+struct FaceMet {
+    TopoDS_Face face;
+    double distance = 0;
+};
+std::optional<FaceMet> firstFaceMet(IntCurvesFace_ShapeIntersector& hits, const gp_Pnt& from,
+                                    const gp_Dir& direction);
 
 // From a point inside the solid, straight along `direction` to the first face met:
 // its distance when that face is flat and faces `direction` (the sheet's other
